@@ -1,0 +1,63 @@
+#include "base/files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vantorel {
+
+InputFile::InputFile(const std::string& path)
+    : descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    if (descriptor < 0) return;
+    struct stat status {};
+    if (descriptor == 0 || ::fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
+        ::close(descriptor);
+        descriptor = -1;
+        return;
+    }
+    length = status.st_size;
+}
+
+InputFile::~InputFile() {
+    if (isopen()) ::close(descriptor);
+}
+
+size_t InputFile::read(std::span<uint8_t> buffer) {
+    size_t done = 0;
+    while (done < buffer.size()) {
+        const ssize_t got = ::read(descriptor, buffer.data() + done, buffer.size() - done);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        done += static_cast<size_t>(got);
+    }
+    return done;
+}
+
+std::optional<FileContents> readfile(const std::string& path) {
+    InputFile file(path);
+    if (!file.isopen()) return std::nullopt;
+    FileContents contents;
+    contents.iExpected = file.size();
+    if (file.size() > iFileSizeMax) return contents;
+    contents.bytes.resize(static_cast<size_t>(std::max<int64_t>(file.size(), 0)));
+    contents.bytes.resize(file.read(contents.bytes));
+    return contents;
+}
+
+WriteResult writefile(const std::string& path, View bytes) {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0755);
+    if (descriptor < 0) return WriteResult::NotOpened;
+    bool good = true;
+    while (good && !bytes.empty()) {
+        const ssize_t put = ::write(descriptor, bytes.data(), bytes.size());
+        if (put < 0 && errno == EINTR) continue;
+        good = put > 0;
+        if (good) bytes = bytes.subspan(static_cast<size_t>(put));
+    }
+    good = ::close(descriptor) == 0 && good;
+    return good ? WriteResult::Written : WriteResult::NotWritten;
+}
+
+} // namespace vantorel

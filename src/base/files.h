@@ -1,0 +1,57 @@
+#pragma once
+// Files of the host: read whole or piece by piece, written in one go.
+
+#include "base/bytes.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace vantorel {
+
+/// A file open for reading, closed with the object. A directory counts as a file that cannot be opened, and
+/// so does one that would get descriptor 0. Opening a pipe nobody writes to does not wait.
+class InputFile {
+public:
+    explicit InputFile(const std::string& path);
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    [[nodiscard]] bool isopen() const { return descriptor > 0; }
+
+    /// Bytes in the file when it was opened, as the file system says; 0 for what has no size.
+    [[nodiscard]] int64_t size() const { return length; }
+
+    /// The next bytes of the file into `buffer`: how many came, fewer than asked only at the end or on an
+    /// error.
+    [[nodiscard]] size_t read(std::span<uint8_t> buffer);
+
+private:
+    int descriptor = -1;
+    int64_t length = 0;
+};
+
+/// A file's contents, and how many bytes the file system promised.
+struct FileContents {
+    Bytes bytes;
+    int64_t iExpected = 0;
+
+    [[nodiscard]] bool iscomplete() const { return static_cast<int64_t>(bytes.size()) == iExpected; }
+};
+
+/// The largest file that is read whole, in bytes: what a signed 32-bit size can hold.
+inline constexpr int64_t iFileSizeMax = 0x7FFFFFFF;
+
+/// Reads a file whole. None when it cannot be opened. Of a file above `iFileSizeMax` nothing is read, so it
+/// comes back incomplete, as does one that ends early.
+[[nodiscard]] std::optional<FileContents> readfile(const std::string& path);
+
+enum class WriteResult { Written, NotOpened, NotWritten };
+
+/// Creates or truncates `path` (permission bits 0755) and writes `bytes`. After `NotWritten` (a full disk)
+/// what was written so far stays.
+[[nodiscard]] WriteResult writefile(const std::string& path, View bytes);
+
+} // namespace vantorel
