@@ -1,0 +1,114 @@
+#include "rom/listing.h"
+
+#include "base/message.h"
+#include "hash/crc32.h"
+#include "rom/checksum.h"
+#include "rom/store.h"
+
+namespace vantorel {
+
+int32_t roms(int32_t current) {
+    message(kResult, "ROMS:\n");
+    for (int32_t i = 0; i < iMaxRom; ++i) {
+        const KickstartRom& slot = psKickstartRoms[static_cast<size_t>(i)];
+        message(kResult, "ROM%2d%cROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", i, i == current ? '*' : ' ',
+                slot.iROMBase, slot.iCRC32, slot.iUsed, slot.iSize(), slot.iSize() / 1024);
+    }
+    return iMaxRom;
+}
+
+namespace {
+
+const char* unlessknown(int32_t fixed) { return fixed < 0 ? "?" : ""; }
+
+void listgap(int64_t size) { message(kResult, "-- (Unallocated) %lld\n", static_cast<long long>(size)); }
+
+// A component with a ROMTAG is shown as the bytes before the tag, the tag's place, and the bytes from the tag
+// on.
+void listcomponent(int32_t number, const Component& c) {
+    const auto beforetag = static_cast<int32_t>(int64_t{c.iROMTag} - c.iStart);
+    if (c.iROMTag < 0) {
+        message(kResult, "%2d %-30s %6d%s:%-6d%s %4d 0x%08x %s:%s\n", number, shown(c.pcName), c.iStart,
+                unlessknown(c.iFixedStart), c.iSize, unlessknown(c.iFixedEnd), c.iRelocs(), c.iCRC32,
+                shown(c.pcType), shown(c.pcHash));
+    } else {
+        const std::string fromtag = formatted("%lld%s", static_cast<long long>(int64_t{c.iSize} - beforetag),
+                                              unlessknown(c.iFixedEnd));
+        message(kResult, "%2d %-30s %6d%s:%d:%-7s %4d 0x%08x %s:%s\n", number, shown(c.pcName), beforetag,
+                unlessknown(c.iFixedStart), c.iROMTag, fromtag.c_str(), c.iRelocs(), c.iCRC32,
+                shown(c.pcType), shown(c.pcHash));
+    }
+    if (c.pcLibString) message(kResult, "   %s\n", shown(c.pcLibString));
+}
+
+} // namespace
+
+int32_t rom(int32_t n) {
+    const KickstartRom* slot = findslot(n);
+    if (slot == nullptr) return -1;
+    message(kResult, "ROM %2d ROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", n, slot->iROMBase, slot->iCRC32,
+            slot->iUsed, slot->iSize(), slot->iSize() / 1024);
+    message(kResult, "%s\n", shown(slot->pcTitle));
+    const auto& components = slot->psComponents;
+    if (!components.empty() && components[0].iStart != 0) listgap(components[0].iStart);
+    for (size_t i = 0; i < components.size(); ++i) {
+        listcomponent(static_cast<int32_t>(i), components[i]);
+        if (i + 1 < components.size() && components[i].iEnd() < components[i + 1].iStart)
+            listgap(components[i + 1].iStart - components[i].iEnd());
+    }
+    return n;
+}
+
+namespace {
+
+// Offsets in the header of a Kickstart image, in bytes.
+constexpr int64_t iIdentOffset = 0;
+constexpr int64_t iEntryOffset = 4;
+constexpr int64_t iVersionOffset = 12;
+constexpr int64_t iRevisionOffset = 14;
+
+void showheader(const KickstartRom& slot) {
+    const View image = slot.pcROM;
+    message(kAlways, "Size=%d/%dk, Ident=0x%04x, Entry=0x%06x, Ver=r%d.%d\n", slot.iSize(),
+            slot.iSize() / 1024, *wordat(image, iIdentOffset), *longat(image, iEntryOffset),
+            *wordat(image, iVersionOffset), *wordat(image, iRevisionOffset));
+}
+
+void showsums(const KickstartRom& slot) {
+    const View image = slot.pcROM;
+    const uint32_t computed = cChecksumData(image);
+    const uint32_t stored = *longat(image, slot.iSize() - iChecksumFromEnd);
+    const uint32_t size = *longat(image, slot.iSize() - iSizeFromEnd);
+    if (computed != stored)
+        message(kAlways, "IntSize=%d/%dk, Checksum=0x%08x/0x%08x, ROMBase=0x%08x\n",
+                static_cast<int32_t>(size), static_cast<int32_t>(size >> 10), stored, computed,
+                slot.iROMBase);
+    else
+        message(kAlways, "IntSize=%d/%dk, Checksum=0x%08x, ROMBase=0x%08x\n", static_cast<int32_t>(size),
+                static_cast<int32_t>(size >> 10), stored, slot.iROMBase);
+    const uint32_t crc = crc32buf(image);
+    if (crc != slot.iCRC32)
+        message(kAlways, "CRC32=0x%08x/0x%08x\n\n", slot.iCRC32, crc);
+    else
+        message(kAlways, "CRC32=0x%08x\n\n", crc);
+}
+
+} // namespace
+
+int32_t modules(int32_t n) {
+    const KickstartRom* slot = findslot(n);
+    if (slot == nullptr) return -1;
+    if (slot->iSize() < iChecksumFromEnd) {
+        message(kResult, "ERROR, ROM %d is too small for a header (%d bytes)\n", n, slot->iSize());
+        return -1;
+    }
+    showheader(*slot);
+    showsums(*slot);
+    for (const Component& component : slot->psComponents)
+        if (component.pcType == cTypeLibrary)
+            message(kAlways, "%06X %s\n", static_cast<uint32_t>(component.iROMTag),
+                    component.pcLibString ? shown(component.pcLibString) : "Unknown");
+    return n;
+}
+
+} // namespace vantorel

@@ -1,0 +1,19 @@
+#pragma once
+// The listings of slots and components.
+
+#include <cstdint>
+
+namespace vantorel {
+
+/// Lists every slot, marking `current`. Returns how many were listed.
+int32_t roms(int32_t current);
+
+/// Lists slot `n` and its component map, with the gaps between. Returns `n`, or -1 (silent) when there is
+/// none.
+int32_t rom(int32_t n);
+
+/// Prints, at every level, the header facts of slot `n` and its libraries. Returns `n`; -1 when there is no
+/// such slot (silent) or its image is too small to have a header (one error line).
+int32_t modules(int32_t n);
+
+} // namespace vantorel
