@@ -1,0 +1,32 @@
+#pragma once
+// Extracts: a component's bytes with every relocated long made relative to the component's own first byte, so
+// that the component can be placed in any ROM.
+
+#include "base/bytes.h"
+#include "rom/store.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace vantorel {
+
+/// The CPU address at which the first byte of `component` runs in `slot`.
+[[nodiscard]] uint32_t runaddress(const KickstartRom& slot, const Component& component);
+
+/// Whether the bytes of `component` lie inside the image of `slot`.
+[[nodiscard]] bool fitsimage(const KickstartRom& slot, const Component& component);
+
+/// Takes out of `relocs` (component offsets in bytes) each one whose long does not lie inside a component of
+/// `size` bytes, with an error line each.
+void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size);
+
+/// Subtracts `address` from the big-endian long at each of `relocs` (offsets into `bytes`), in order; a reloc
+/// named twice counts twice. Each result is shown above level 5. Relocs outside `bytes` are passed over.
+void makerelative(Bytes& bytes, const std::vector<int32_t>& relocs, uint32_t address);
+
+/// (Re)builds the extract of component `component` of slot `rom` from the image and the component's relocs,
+/// of which those outside the component are dropped with an error line each. Returns 0; 1 with an error line,
+/// the extract as it was, when slot or component do not exist or the component does not lie in its image.
+int createextract(int32_t rom, int32_t component);
+
+} // namespace vantorel

@@ -1,0 +1,20 @@
+#pragma once
+// Relocation lists as hash files hold them: a section [RELOC32] of lines "RELOC=" and a decimal component
+// offset.
+
+#include "hash/ini.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace vantorel {
+
+inline constexpr const char* cRelocSection = "RELOC32";
+inline constexpr std::string_view cRelocKey = "RELOC=";
+
+/// The offsets in section `section` of `ini` (an index from `readinisection`): the decimal number behind the
+/// first six characters of each line. A line too short to hold one is passed over.
+[[nodiscard]] std::vector<int32_t> relocsofsection(const IniFile& ini, int32_t section);
+
+} // namespace vantorel

@@ -1,0 +1,28 @@
+#include "rom/layout.h"
+
+#include <algorithm>
+
+namespace vantorel {
+
+Bytes byteswapped(View data) {
+    Bytes swapped(data.begin(), data.end());
+    for (size_t i = 0; i + 1 < swapped.size(); i += 2)
+        std::swap(swapped[i], swapped[i + 1]);
+    return swapped;
+}
+
+void deinterleaveCD32(Bytes& data) {
+    constexpr size_t quarter = iCD32Size / 4;
+    const Bytes file(data.begin(), data.begin() + iCD32Size);
+    for (size_t half = 0; half < 2; ++half) {
+        const auto high = file.begin() + static_cast<std::ptrdiff_t>(half * quarter);
+        const auto low = high + static_cast<std::ptrdiff_t>(2 * quarter);
+        auto target = data.begin() + static_cast<std::ptrdiff_t>(half * 2 * quarter);
+        for (std::ptrdiff_t word = 0; word < static_cast<std::ptrdiff_t>(quarter); word += 2) {
+            target = std::copy_n(high + word, 2, target);
+            target = std::copy_n(low + word, 2, target);
+        }
+    }
+}
+
+} // namespace vantorel

@@ -1,0 +1,115 @@
+#include "rom/librarymatch.h"
+
+#include "base/message.h"
+#include "component/extract.h"
+#include "component/hunk.h"
+#include "component/relocs.h"
+#include "hash/crc32.h"
+#include "hash/ini.h"
+#include "hash/library.h"
+#include "rom/adopt.h"
+#include "rom/store.h"
+#include "shell/numbers.h"
+
+#include <string>
+
+namespace vantorel {
+
+namespace {
+
+// An id string as file names hold it.
+std::string searchkey(const std::string& libstring) {
+    constexpr size_t most = 128;
+    std::string key = libstring.substr(0, most);
+    for (char& c : key)
+        if (c == ' ' || c == '/' || c == '\\') c = '_';
+    return key;
+}
+
+int32_t numberof(const IniFile& ini, const char* key) {
+    const char* value = readiniitem(ini, "Description", key);
+    return value != nullptr ? decimal(value) : 0;
+}
+
+// What the hash file `ini` says of a component whose ROMTAG is that of `component`. False when such a
+// component would not lie in the image.
+bool describe(const IniFile& ini, const KickstartRom& slot, Component& component) {
+    const int64_t start = int64_t{component.iROMTag} - numberof(ini, "ROMTAG");
+    component.iStart = static_cast<int32_t>(start);
+    component.iSize = numberof(ini, "Size");
+    message(kProgress, "Start=%d Size=%d\n", component.iStart, component.iSize);
+    component.ipRelocs.clear();
+    const int32_t section = readinisection(ini, cRelocSection);
+    if (section >= 0) {
+        message(kProgress, "Relocs=%d in section %d starts at line=%d\n", ini.items(section), section,
+                ini.firstline(section));
+        component.ipRelocs = relocsofsection(ini, section);
+    }
+    return isinside(slot.pcROM, start, component.iSize);
+}
+
+// The name under which the library would keep the component, as `slot` has it.
+std::string formname(const KickstartRom& slot, Component& component, const std::string& key) {
+    droprelocsoutside(component.ipRelocs, component.iSize);
+    const View bytes = part(slot.pcROM, component.iStart, component.iSize);
+    component.pcExtract.emplace(bytes.begin(), bytes.end());
+    makerelative(*component.pcExtract, component.ipRelocs, runaddress(slot, component));
+    return formatted("0x%08x.%s", crc32buf(loadablelibraryform(component)), key.c_str());
+}
+
+bool trycandidate(int32_t rom, int32_t number, const HashFileEntry& entry, const std::string& key) {
+    const std::string path = hashfilepath(entry);
+    const auto ini = loadinifile(path);
+    if (!ini) {
+        message(kResult, "ERROR: Couldn't open hash file %s\n", path.c_str());
+        return false;
+    }
+    KickstartRom& slot = *findslot(rom);
+    Component& component = slot.psComponents[static_cast<size_t>(number)];
+    Component candidate = component;
+    if (!describe(*ini, slot, candidate)) {
+        message(kProgress, "[WONTFIT] We will ignore this\n");
+        return false;
+    }
+    const std::string name = formname(slot, candidate, key);
+    if (name != entry.cName) {
+        message(kProgress, "[NOMATCH] We will discard this\n");
+        message(kProgress, "\"%s\" != \"%s\"\n", name.c_str(), entry.cName.c_str());
+        return false;
+    }
+    message(kProgress, "[MATCH] We will keep this\n");
+    candidate.pcHash = entry.cName;
+    component = std::move(candidate);
+    settlecomponent(rom, number);
+    return true;
+}
+
+void matchcomponent(int32_t rom, int32_t number) {
+    const Component& component = findslot(rom)->psComponents[static_cast<size_t>(number)];
+    if (component.pcHash) {
+        message(kProgress, "Skipping complete component %d %s\n", number, shown(component.pcName));
+        return;
+    }
+    if (!component.pcLibString) return;
+    const std::string key = searchkey(*component.pcLibString);
+    message(kProgress, "Checking component %d %s ", number, shown(component.pcLibString));
+    message(kProgress, "(%s)\n", key.c_str());
+    for (size_t i = 0; i < psVanHashFile.size(); ++i) {
+        const HashFileEntry& entry = psVanHashFile[i];
+        if (isshown(kTrace))
+            message(kTrace, "Checking %d %s\n", static_cast<int32_t>(i), entry.cName.c_str());
+        if (entry.cName.find(key) == std::string::npos) continue;
+        message(kTrace, "[CANDIDATE] %s\n", entry.cName.c_str());
+        if (trycandidate(rom, number, entry, key)) return;
+    }
+}
+
+} // namespace
+
+void matchhashlibrary(int32_t rom) {
+    message(kResult, "Match any unknown components by hash alone\n");
+    for (int32_t number = 0; number < findslot(rom)->iComponents(); ++number)
+        matchcomponent(rom, number);
+}
+
+} // namespace vantorel

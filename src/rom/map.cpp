@@ -1,0 +1,241 @@
+#include "rom/map.h"
+
+#include "base/message.h"
+#include "component/extract.h"
+#include "component/relocs.h"
+#include "hash/crc32.h"
+#include "hash/ini.h"
+#include "hash/library.h"
+#include "rom/checksum.h"
+#include "rom/romtag.h"
+#include "rom/store.h"
+#include "shell/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace vantorel {
+
+namespace {
+
+// The type words of component lines, in the order in which they are tried.
+constexpr std::array<std::string_view, 12> cTypeWords = {
+    "Library", "Device", "ROMHeader", "Kickity-Split",    "Checksum",      "BadData",
+    "Data",    "Size",   "Vectors",   "Loadable Library", "Kickstart ROM", "Extended ROM",
+};
+
+bool halvesequal(View data) {
+    const size_t half = data.size() / 2;
+    return std::ranges::equal(data.first(half), data.last(half));
+}
+
+// A burner that fills a larger chip repeats the image.
+View withoutoverburn(View data) {
+    if (data.size() == iSize1M && halvesequal(data)) {
+        message(kResult, "Overburnt 512k ROM, loading the first half\n");
+        data = data.first(iSize512K);
+    }
+    if (data.size() == iSize512K && halvesequal(data)) {
+        message(kResult, "Overburnt 256k ROM, loading the first half\n");
+        data = data.first(iSize256K);
+    }
+    return data;
+}
+
+void placeimage(KickstartRom& slot, View data) {
+    slot.psComponents.clear();
+    if (slot.pcROM.size() < data.size())
+        slot.pcROM.assign(data.begin(), data.end());
+    else
+        std::ranges::copy(data, slot.pcROM.begin());
+    slot.cFill = data.size() < iChecksumFromEnd ? uint8_t{0} : data[data.size() - iChecksumFromEnd];
+    slot.iUsed = static_cast<int32_t>(data.size());
+    slot.iCRC32 = crc32buf(data);
+}
+
+Text copyof(const char* text) { return text != nullptr ? Text(text) : Text(""); }
+
+void readdescription(KickstartRom& slot, const IniFile& ini) {
+    slot.pcTitle = copyof(readiniitem(ini, "Description", "Title"));
+    slot.pcText = copyof(readiniitem(ini, "Description", "Text"));
+    const char* base = readiniitem(ini, "Description", "ROMBase");
+    if (base == nullptr)
+        message(kResult, "WARNING: No ROMBase\n");
+    else
+        slot.iROMBase = Hex2iUINT32(base + std::min<size_t>(2, std::strlen(base)));
+}
+
+// Matches the type word of "type:hash"; without a known one the whole text is both.
+void readtype(Component& component, std::string_view rest) {
+    for (const std::string_view word : cTypeWords)
+        if (rest.starts_with(word) && rest.substr(word.size()).starts_with(':')) {
+            component.pcType = word;
+            component.pcHash = rest.substr(word.size() + 1);
+            return;
+        }
+    message(kResult, "ERROR: Invalid Component \"%s\"\n", rest.data());
+    component.pcType = rest;
+    component.pcHash = rest;
+}
+
+// Splits "name=start,size,type:hash". False, the record left blank, when a separator is missing.
+bool readcomponentline(Component& component, const char* line) {
+    const char* equals = std::strchr(line, '=');
+    const char* first = equals != nullptr ? std::strchr(equals, ',') : nullptr;
+    const char* second = first != nullptr ? std::strchr(first + 1, ',') : nullptr;
+    if (second == nullptr) {
+        message(kResult, "ERROR: Invalid Component \"%s\"\n", line);
+        return false;
+    }
+    component.pcName = std::string(line, equals);
+    component.iStart = component.iFixedStart = decimal(equals + 1);
+    component.iSize = decimal(first + 1);
+    component.iFixedEnd = static_cast<int32_t>(component.iEnd());
+    readtype(component, second + 1);
+    return true;
+}
+
+// The relocs of section `section`, up to the first line that is none.
+std::vector<int32_t> readrelocs(const IniFile& ini, int32_t section) {
+    std::vector<int32_t> relocs;
+    const int32_t count = ini.items(section);
+    message(kProgress, "Relocs=%d in section %d starts at line=%d\n", count, section, ini.firstline(section));
+    for (int32_t item = 0; item < count; ++item) {
+        const char* line = ini.line(ini.firstline(section) + item);
+        message(kRaw, "INI File=%s\n", line);
+        if (!std::string_view(line).starts_with(cRelocKey)) {
+            message(kProgress,
+                    "Missing RELOC=, early end of section, abandoning any more relocs, setting reloc count "
+                    "to %d\n",
+                    item);
+            break;
+        }
+        relocs.push_back(decimal(line + cRelocKey.size()));
+    }
+    return relocs;
+}
+
+void takeextract(Component& component, const KickstartRom& slot) {
+    message(kTrace, "iSize=%d &3=%d\n", component.iSize, component.iSize & 3);
+    const View bytes = part(slot.pcROM, component.iStart, component.iSize);
+    component.pcExtract.emplace(bytes.begin(), bytes.end());
+    droprelocsoutside(component.ipRelocs, component.iSize);
+    message(kProgress, "There are %d relocs\n", component.iRelocs());
+    makerelative(*component.pcExtract, component.ipRelocs, runaddress(slot, component));
+}
+
+void taketag(Component& component, const KickstartRom& slot) {
+    const auto end = static_cast<int32_t>(component.iEnd());
+    message(kProgress, "Finding ROMTAG in newly loaded ROM at %d to %d\n", component.iStart, end);
+    uint32_t base = slot.iROMBase;
+    if (const auto tag = findromtag(slot.pcROM, component.iStart, end, base)) {
+        component.pcLibName = tag->cName;
+        component.pcLibString = tag->cIdString;
+        component.iROMTag = static_cast<int32_t>(tag->iOffset);
+    }
+}
+
+// Fills in what the component's own hash file, and with its help the image, tells.
+void applycomponenthash(int32_t rom, int32_t number, Component& component) {
+    const KickstartRom& slot = *findslot(rom);
+    message(kProgress, "looking for component hash %s\n", shown(component.pcHash));
+    const auto ini = loadinifile(findhashfile(component.pcHash->c_str()));
+    if (!ini) {
+        message(kProgress, "WARNING, No hash file for component %d may have unknown relocs\n", number);
+        return;
+    }
+    const int32_t section = readinisection(*ini, cRelocSection);
+    if (section < 0) {
+        message(kResult, "No relocs\n");
+        return;
+    }
+    component.ipRelocs = readrelocs(*ini, section);
+    message(kProgress, "Hashing raw component=%2d %s (%d bytes) from ROM=%d\n", number,
+            shown(component.pcName), component.iSize, rom);
+    takeextract(component, slot);
+    taketag(component, slot);
+    component.iCRC32 = crc32buf(*component.pcExtract);
+    message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
+}
+
+// A map names each byte of its image about once, so one whose components together are this many times the
+// image, or that has more lines than this, is damage, and would use memory out of proportion.
+constexpr int64_t iMapCoverMost = 16;
+constexpr int32_t iMapLinesMost = 65535;
+
+int64_t mappedbytes(const std::vector<Component>& components) {
+    int64_t bytes = 0;
+    for (const Component& component : components)
+        bytes += component.iSize;
+    return bytes;
+}
+
+bool fitsmap(const KickstartRom& slot, const Component& component) {
+    return fitsimage(slot, component) &&
+           mappedbytes(slot.psComponents) + component.iSize <= iMapCoverMost * slot.iSize();
+}
+
+// The component that line `number` of the map tells of; blank when the line is empty or at fault.
+Component mapcomponent(int32_t rom, int32_t number, const char* line) {
+    Component component;
+    if (*line == '\0' || !readcomponentline(component, line)) return {};
+    if (!fitsmap(*findslot(rom), component)) {
+        message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
+                shown(component.pcName));
+        return {};
+    }
+    applycomponenthash(rom, number, component);
+    return component;
+}
+
+void readcomponents(int32_t rom, const IniFile& ini) {
+    const int32_t section = readinisection(ini, "Components");
+    if (section < 0) return;
+    if (ini.items(section) > iMapLinesMost) {
+        message(kResult, "ERROR: A map of %d components is more than a ROM can hold\n", ini.items(section));
+        return;
+    }
+    const int32_t head = ini.firstline(section) - 1;
+    const auto count = static_cast<size_t>(ini.items(section));
+    message(kTrace, "Section:%s\n", ini.line(head));
+    message(kRaw, "Allocating space for %d components (%lu bytes)\n", ini.items(section),
+            static_cast<unsigned long>(count * sizeof(Component)));
+    auto& components = findslot(rom)->psComponents;
+    components.reserve(count);
+    for (int32_t number = 0; number < ini.items(section); ++number)
+        components.push_back(mapcomponent(rom, number, ini.line(head + 1 + number)));
+}
+
+void applyhashfile(int32_t rom) {
+    KickstartRom& slot = *findslot(rom);
+    const std::string name = formatted("0x%08x", slot.iCRC32);
+    message(kProgress, "Load ROMData, look for Hashfile:%s\n", name.c_str());
+    const auto ini = loadinifile(findhashfile(name.c_str()));
+    if (!ini) {
+        message(kResult, "Unable to find hash\n");
+        return;
+    }
+    message(kTrace, "Hashfile found\n");
+    readdescription(slot, *ini);
+    readcomponents(rom, *ini);
+}
+
+} // namespace
+
+int loadromdata(int32_t rom, View data) {
+    data = withoutoverburn(data);
+    KickstartRom* slot = findslot(rom);
+    if (slot == nullptr) {
+        message(kResult, "No such ROM\n");
+        return 1;
+    }
+    placeimage(*slot, data);
+    applyhashfile(rom);
+    message(kProgress, "Loaded %d bytes to ROM %d\n", slot->iUsed, rom);
+    return 0;
+}
+
+} // namespace vantorel

@@ -1,0 +1,117 @@
+#include "rom/romtag.h"
+
+#include "base/message.h"
+
+namespace vantorel {
+
+namespace {
+
+constexpr uint16_t iMatchWordValue = 0x4AFC;
+constexpr uint32_t iBaseBits = 0x00FFF000;
+
+// Images are known whose name pointer has this value although the text stands at offset 320.
+constexpr uint32_t iOddNamePointer = 0x00460140;
+constexpr uint32_t iOddNameOffset = 320;
+
+constexpr const char* BADPOINTER = "(bad pointer)";
+
+// The text at an image offset: up to 128 characters, ended by NUL, line feed or carriage return. An offset
+// comes from an address less the base, so it is unsigned and may lie anywhere.
+std::string textat(View image, uint32_t offset) {
+    constexpr size_t most = 128;
+    std::string text;
+    for (size_t i = offset; i < image.size() && text.size() < most; ++i) {
+        const char c = static_cast<char>(image[i]);
+        if (c == '\0' || c == '\n' || c == '\r') break;
+        text += c;
+    }
+    return text;
+}
+
+std::string nameat(View image, uint32_t pointer, uint32_t base) {
+    if (pointer == 0) return BADPOINTER;
+    const uint32_t offset = pointer == iOddNamePointer ? iOddNameOffset : pointer - base;
+    const void* place = offset < image.size() ? image.data() + offset : nullptr;
+    message(kRaw, "Pointer=%p \n", place);
+    return textat(image, offset);
+}
+
+// Fields of the auto-init table at RT_INIT, in bytes from its start.
+constexpr int64_t iDataSize = 0;
+constexpr int64_t iVectorTable = 4;
+constexpr int64_t iInitStructure = 8;
+constexpr int64_t iInitFunction = 12;
+
+void narrateautoinit(View image, uint32_t table, uint32_t base) {
+    const uint32_t vectors = longat(image, table + iVectorTable).value_or(0) - base;
+    message(kTrace, "Autoinit DataSize     =%08x\n", longat(image, table + iDataSize).value_or(0));
+    message(kTrace, "Autoinit VectorTable  =%08x\n", vectors);
+    message(kTrace, "Autoinit InitStructure=%08x\n",
+            longat(image, table + iInitStructure).value_or(0) - base);
+    message(kTrace, "Autoinit InitFunction =%08x\n", longat(image, table + iInitFunction).value_or(0) - base);
+    message(kTrace, "First Vector=%08x\n", longat(image, vectors).value_or(0));
+}
+
+void narratefields(View tag, const RomTagInfo& info) {
+    const uint8_t flags = info.cFlags;
+    message(kTrace, "Endskip=%d ", info.iEndSkip);
+    message(kTrace, "Flags: %02x %s%s%s%s ", flags, (flags & RomTag::cColdStart) != 0 ? "COLDSTART " : "",
+            (flags & RomTag::cSingleTask) != 0 ? "SINGLETASK " : "",
+            (flags & RomTag::cAfterDos) != 0 ? "AFTERDOS " : "",
+            (flags & RomTag::cAutoInit) != 0 ? "AUTOINIT " : "");
+    message(kTrace, "Version: %d ", tag[RomTag::iVersion]);
+    message(kTrace, "Type: %d ", tag[RomTag::iType]);
+    message(kTrace, "Priority: %d\n", static_cast<int8_t>(tag[RomTag::iPri]));
+    message(kTrace, "Libname pointer=%08x \n", iUINT32(&tag[RomTag::iName]));
+}
+
+RomTagInfo decode(View image, int32_t offset, uint32_t base) {
+    const View tag = part(image, offset, RomTag::iLength);
+    const uint32_t self = iUINT32(&tag[RomTag::iMatchTag]);
+    message(kTrace, "%d - %d = %08x\n", static_cast<int32_t>(self), offset, base);
+    RomTagInfo info;
+    info.iOffset = static_cast<uint32_t>(offset);
+    info.iEndSkip = static_cast<int32_t>(iUINT32(&tag[RomTag::iEndSkip]) - base - info.iOffset);
+    info.cFlags = tag[RomTag::iFlags];
+    narratefields(tag, info);
+    info.cName = nameat(image, iUINT32(&tag[RomTag::iName]), base);
+    info.cIdString = textat(image, iUINT32(&tag[RomTag::iIdString]) - base);
+    message(kTrace, "Name=[%s] String=[%s]\n", info.cName.c_str(), info.cIdString.c_str());
+    const uint32_t init = iUINT32(&tag[RomTag::iInit]) - base;
+    if ((info.cFlags & RomTag::cAutoInit) == 0)
+        message(kTrace, "Manual init address=%08x\n", init);
+    else
+        narrateautoinit(image, init, base);
+    return info;
+}
+
+} // namespace
+
+std::optional<uint32_t> romtagbase(View image, int64_t offset) {
+    if (!isinside(image, offset, RomTag::iLength)) return std::nullopt;
+    const uint8_t* tag = image.data() + offset;
+    if (iUINT16(tag + RomTag::iMatchWord) != iMatchWordValue) return std::nullopt;
+    const uint32_t base = iUINT32(tag + RomTag::iMatchTag) - static_cast<uint32_t>(offset);
+    if ((base & ~iBaseBits) != 0) return std::nullopt;
+    return base;
+}
+
+std::optional<RomTagInfo> findromtag(View image, int32_t from, int32_t to, uint32_t& romBase) {
+    message(kTrace, "FINDINGROMTAG from %d to %d in %p ROMBase=%08x\n", from, to,
+            static_cast<const void*>(image.data()), romBase);
+    for (int32_t i = from; i < to; ++i) {
+        if (wordat(image, i) != iMatchWordValue) continue;
+        message(kTrace, "Found TAG at %d\n", i);
+        const auto base = romtagbase(image, i);
+        if (!base) continue;
+        if (romBase == 0) romBase = *base;
+        if (*base == romBase) return decode(image, i, *base);
+        message(kResult,
+                "Warning: possible ROMBase mismatch using %08x but detected potential %08x use rombase %d to "
+                "force\n",
+                romBase, *base, static_cast<int32_t>(*base));
+    }
+    return std::nullopt;
+}
+
+} // namespace vantorel

@@ -1,0 +1,123 @@
+#include "rom/split.h"
+
+#include "base/files.h"
+#include "base/message.h"
+#include "rom/checksum.h"
+#include "rom/map.h"
+#include "rom/store.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vantorel {
+
+namespace {
+
+std::optional<FileContents> openpart(const std::string& path) {
+    message(kTrace, "Opening %s\n", path.c_str());
+    auto contents = readfile(path);
+    if (!contents) message(kResult, "ERROR: Can't open %s\n", path.c_str());
+    return contents;
+}
+
+// The two dumps, of equal size.
+struct Pair {
+    Bytes first;
+    Bytes second;
+};
+
+// Reads both dumps; none, and a message, when they cannot make an image.
+std::optional<Pair> readpair(const std::string& path1, const std::string& path2) {
+    auto first = openpart(path1);
+    if (!first) return std::nullopt;
+    if (first->iExpected == 0) {
+        message(kResult, "ERROR: %s is zero bytes long\n", path2.c_str());
+        return std::nullopt;
+    }
+    auto second = openpart(path2);
+    if (!second) return std::nullopt;
+    if (!first->iscomplete() || !second->iscomplete() || first->bytes.size() != second->bytes.size()) {
+        message(kResult, "ERROR: Incomplete read or files are different sizes, can't merge them\n");
+        return std::nullopt;
+    }
+    const auto size = static_cast<int64_t>(first->bytes.size());
+    if (2 * size > iFileSizeMax) {
+        message(kResult, "ERROR: Two files of %ld bytes are too large to merge\n", static_cast<long>(size));
+        return std::nullopt;
+    }
+    message(kProgress, "OK: Two files of %d bytes read, attempting merge\n", static_cast<int32_t>(size));
+    return Pair{std::move(first->bytes), std::move(second->bytes)};
+}
+
+bool isoverburnt(const Bytes& dump) {
+    const auto half = static_cast<std::ptrdiff_t>(dump.size() / 2);
+    return dump.size() % 2 == 0 && std::equal(dump.begin(), dump.begin() + half, dump.begin() + half);
+}
+
+// One way to lay the words of both dumps into an image.
+struct WordOrder {
+    const char* announcement;
+    bool secondfirst;
+    bool swapped;
+};
+
+constexpr std::array<WordOrder, 4> cWordOrders = {{
+    {"Lets try Lo+Hi, not byteswapped\n", false, false},
+    {"Checksum invalid... we should discard this and try Lo+Hi, byteswapped\n", false, true},
+    {"Checksum invalid... we should discard this and try Hi+Lo\n", true, false},
+    {"Checksum invalid... we should discard this and try Hi+Lo, byteswapped\n", true, true},
+}};
+
+Bytes mergewords(const Pair& dumps, const WordOrder& order) {
+    const Bytes& high = order.secondfirst ? dumps.second : dumps.first;
+    const Bytes& low = order.secondfirst ? dumps.first : dumps.second;
+    const size_t near = order.swapped ? 1 : 0;
+    Bytes image(2 * high.size());
+    for (size_t i = 0; i + 1 < high.size(); i += 2) {
+        image[2 * i] = high[i + near];
+        image[2 * i + 1] = high[i + 1 - near];
+        image[2 * i + 2] = low[i + near];
+        image[2 * i + 3] = low[i + 1 - near];
+    }
+    return image;
+}
+
+Bytes merge(const Pair& dumps) {
+    for (const WordOrder& order : cWordOrders) {
+        message(kProgress, "%s", order.announcement);
+        Bytes image = mergewords(dumps, order);
+        if (validrom(image)) {
+            message(kProgress, "Appears to be a ROM and the checksum is valid... we will keep this loaded\n");
+            return image;
+        }
+    }
+    message(kProgress,
+            "Does not appear to be a ROM or the checksum is invalid... we will simply concatenate the two "
+            "chunks of data\n");
+    Bytes image = dumps.first;
+    image.insert(image.end(), dumps.second.begin(), dumps.second.end());
+    return image;
+}
+
+} // namespace
+
+int loadsplitrom(const std::string& path1, const std::string& path2, int32_t rom) {
+    auto dumps = readpair(path1, path2);
+    if (!dumps) return 1;
+    if (isoverburnt(dumps->first) && isoverburnt(dumps->second)) {
+        message(kResult, "Data is overburnt... reducing data sizes\n");
+        dumps->first.resize(dumps->first.size() / 2);
+        dumps->second.resize(dumps->second.size() / 2);
+    }
+    const Bytes image = merge(*dumps);
+    if (image.size() == iSize1M && validrom(image)) {
+        loadromdata(rom, part(image, 0, iSize512K));
+        iCurrentROM = newrom(0, 0);
+        loadromdata(iCurrentROM, part(image, iSize512K, iSize512K));
+    } else {
+        loadromdata(rom, image);
+    }
+    return 0;
+}
+
+} // namespace vantorel

@@ -1,0 +1,15 @@
+#pragma once
+// Images dumped as two EPROMs.
+
+#include <cstdint>
+#include <string>
+
+namespace vantorel {
+
+/// Merges the dumps of two EPROMs that hold the 16-bit halves of each long, in whichever order gives a valid
+/// checksum, and loads the image into slot `rom`; of an image of two 512K ROMs the second goes into a new
+/// slot that becomes current. Without a valid order the files are joined one behind the other. Returns 0; 1
+/// and a message when the files cannot be read or differ in size.
+int loadsplitrom(const std::string& path1, const std::string& path2, int32_t rom);
+
+} // namespace vantorel
