@@ -1,0 +1,76 @@
+#include "shell/commands.h"
+
+#include "base/message.h"
+#include "shell/commandset.h"
+#include "shell/substitute.h"
+#include "shell/tokens.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+namespace vantorel {
+
+namespace {
+
+struct Command {
+    const char* keyword;
+    const char* arguments; // as a user types them; [optional], a|b: either
+    void (*run)();
+};
+
+constexpr std::array<Command, 20> cCommands = {{
+    {"help", "", command::help},
+    {"romname", "NAME", command::romname},
+    {"newrom", "SIZE[k|m] [FILL]", command::newrom},
+    {"logfile", "FILE [append]", command::logfile},
+    {"savedir", "DIRECTORY", command::savedir},
+    {"auditfiles", "DIRECTORY", command::auditfiles},
+    {"loadhashes", "[DIRECTORY]", command::loadhashes},
+    {"adfsavefile", "ADFPATH [FILE]", command::adfsavefile},
+    {"loadadf", "FILE", command::loadadf},
+    {"adflist", "", command::adflist},
+    {"loadrom", "FILE [ROM] | HIGH LOW [ROM]", command::loadrom},
+    {"analyserom", "[ROM]", command::analyserom},
+    {"modules", "[ROM]", command::modules},
+    {"rom", "[ROM]", command::rom},
+    {"loglevel", "[LEVEL]", command::loglevel},
+    {"idiotmode", "", command::idiotmode},
+    {"alias", "NAME [VALUE | add N | subtract N | mid START LENGTH | romdata START COUNT]", command::alias},
+    {"reset", "[roms] [aliases] [auditfiles] [hashes]", command::reset},
+    {"roms", "", command::roms},
+    {"echo", "[WORD]...", command::echo},
+}};
+
+// The first token is in lower case by now.
+void dispatch() {
+    const char* keyword = cpTokens[0];
+    for (const Command& row : cCommands)
+        if (std::strcmp(keyword, row.keyword) == 0) return row.run();
+    if (*keyword != '\0' && *keyword != '#')
+        message(kResult, "ERROR, I've no idea what you mean, type help for help\n");
+}
+
+void outofmemory() { message(kResult, "ERROR, not enough memory\n"); }
+
+} // namespace
+
+int32_t script(const char* line) {
+    try {
+        std::string buffer = parsealias(line);
+        tokens(buffer.data());
+        dispatch();
+    } catch (const std::bad_alloc&) {
+        outofmemory();
+    } catch (const std::length_error&) {
+        outofmemory();
+    }
+    droptokens();
+    std::fflush(stdout);
+    return 0;
+}
+
+} // namespace vantorel

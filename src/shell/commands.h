@@ -1,0 +1,13 @@
+#pragma once
+// The commands: each a keyword, the arguments it takes and what runs it.
+
+#include <cstdint>
+
+namespace vantorel {
+
+/// Runs one command line: expands its alias references, cuts it into tokens and runs the command that the
+/// first names. A blank line and one that begins with "#" do nothing; an unknown word gives an error line.
+/// When memory runs out the command ends with an error line. Standard output is flushed. Returns 0.
+int32_t script(const char* line);
+
+} // namespace vantorel

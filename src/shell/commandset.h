@@ -1,0 +1,33 @@
+#pragma once
+// What runs each command: reads the arguments of the current line, reports the missing and the malformed, and
+// passes the rest on to the operation.
+
+namespace vantorel::command {
+
+// The session
+void help();
+void logfile();
+void savedir();
+void loglevel();
+void idiotmode();
+void reset();
+void echo();
+void alias();
+
+// The libraries of files
+void auditfiles();
+void loadhashes();
+void loadadf();
+void adflist();
+void adfsavefile();
+
+// ROMs
+void romname();
+void newrom();
+void loadrom();
+void analyserom();
+void modules();
+void rom();
+void roms();
+
+} // namespace vantorel::command

@@ -1,0 +1,55 @@
+#include "shell/loop.h"
+
+#include "base/message.h"
+#include "shell/commands.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace vantorel {
+
+std::vector<char> ckBuffer;
+
+int32_t countbuffer() {
+    const auto end = std::ranges::find_if(ckBuffer, [](char c) { return c == '\n' || c == '\0'; });
+    if (end == ckBuffer.end() || *end != '\n') return iBufferSize;
+    *end = '\0';
+    return static_cast<int32_t>(end - ckBuffer.begin());
+}
+
+namespace {
+
+// False at the end of the input.
+bool readline(std::FILE* input) {
+    std::ranges::fill(ckBuffer, '\0');
+    return std::fgets(ckBuffer.data(), iBufferSize, input) != nullptr;
+}
+
+// The rest of a line that did not fit. One with a NUL in it was read to its end already.
+void discardline(std::FILE* input) {
+    if (std::ranges::find(ckBuffer, '\n') != ckBuffer.end()) return;
+    for (int c = 0; c != '\n' && c != EOF;)
+        c = std::fgetc(input);
+}
+
+} // namespace
+
+void commandloop(std::FILE* input) {
+    ckBuffer.assign(iBufferSize, '\0');
+    script("loadhashes \"Vantorel Hashes\"");
+    for (;;) {
+        message(kAlways, "VanCLI> ");
+        std::fflush(stdout);
+        if (!readline(input)) break;
+        if (countbuffer() == iBufferSize) {
+            message(kAlways, "ERROR, command buffer too small, ignoring input\n");
+            discardline(input);
+            continue;
+        }
+        if (std::string_view(ckBuffer.data()).starts_with("exit")) break;
+        script(ckBuffer.data());
+    }
+    ckBuffer = {};
+}
+
+} // namespace vantorel

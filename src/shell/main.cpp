@@ -1,0 +1,8 @@
+#include "shell/loop.h"
+
+#include <cstdio>
+
+int main() {
+    vantorel::commandloop(stdin);
+    return 0;
+}
