@@ -1,0 +1,21 @@
+#include "support/freshstate.h"
+
+#include "adf/directory.h"
+#include "base/message.h"
+#include "shell/reset.h"
+#include "shell/settings.h"
+#include "support/capture.h"
+
+namespace vantorel::test {
+
+void freshstate() {
+    Capture narration;
+    reset(iResetAll);
+    // What outlives even a reset.
+    psFiles.clear();
+    cSaveDir.clear();
+    iDiotMode = 0;
+    iLogLevel = 1;
+}
+
+} // namespace vantorel::test
