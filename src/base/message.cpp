@@ -9,7 +9,7 @@ int32_t iLogLevel = 1;
 
 void message(Threshold threshold, const char* format, ...) {
     if (!isshown(threshold)) return;
-    std::va_list arguments;
+    va_list arguments;
     va_start(arguments, format);
     std::vprintf(format, arguments);
     va_end(arguments);

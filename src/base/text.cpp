@@ -7,9 +7,9 @@
 namespace vantorel {
 
 std::string formatted(const char* format, ...) {
-    std::va_list arguments;
+    va_list arguments;
     va_start(arguments, format);
-    std::va_list again;
+    va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
     va_end(arguments);
