@@ -74,9 +74,9 @@ void showheader(const KickstartRom& slot) {
             *wordat(image, iVersionOffset), *wordat(image, iRevisionOffset));
 }
 
-void showsums(const KickstartRom& slot) {
+void showsums(int32_t rom, const KickstartRom& slot) {
     const View image = slot.pcROM;
-    const uint32_t computed = cChecksumData(image);
+    const uint32_t computed = cChecksum(rom);
     const uint32_t stored = *longat(image, slot.iSize() - iChecksumFromEnd);
     const uint32_t size = *longat(image, slot.iSize() - iSizeFromEnd);
     if (computed != stored)
@@ -103,7 +103,7 @@ int32_t modules(int32_t n) {
         return -1;
     }
     showheader(*slot);
-    showsums(*slot);
+    showsums(n, *slot);
     for (const Component& component : slot->psComponents)
         if (component.pcType == cTypeLibrary)
             message(kAlways, "%06X %s\n", static_cast<uint32_t>(component.iROMTag),

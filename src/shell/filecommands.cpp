@@ -15,7 +15,7 @@ void auditfiles() {
         vantorel::auditfiles(argument(1));
 }
 
-void loadhashes() { vantorel::loadhashes(isgiven(1) ? argument(1) : "Vantorel Hashes"); }
+void loadhashes() { vantorel::loadhashes(isgiven(1) ? argument(1) : cHashLibrary); }
 
 void loadadf() {
     if (require(1, "ERROR, please specify the ADF to load\n"))

@@ -1,6 +1,8 @@
 #include "shell/loop.h"
 
 #include "base/message.h"
+#include "base/text.h"
+#include "hash/library.h"
 #include "shell/commands.h"
 
 #include <algorithm>
@@ -36,7 +38,7 @@ void discardline(std::FILE* input) {
 
 void commandloop(std::FILE* input) {
     ckBuffer.assign(iBufferSize, '\0');
-    script("loadhashes \"Vantorel Hashes\"");
+    script(formatted("loadhashes \"%s\"", cHashLibrary).c_str());
     for (;;) {
         message(kAlways, "VanCLI> ");
         std::fflush(stdout);

@@ -102,7 +102,7 @@ constexpr uint32_t iKickstartVersion = 12; // the same for every ROM
 
 constexpr std::array<BuiltIn, 3> cBuiltIns = {{
     {"ROMBASE", [](const KickstartRom& slot) { return slot.iROMBase; }},
-    {"CALCCHECKSUM", [](const KickstartRom& slot) { return cChecksumData(slot.pcROM); }},
+    {"CALCCHECKSUM", [](const KickstartRom& /*slot*/) { return cChecksum(iCurrentROM); }},
     {"(KICKSTARTVERSION)", [](const KickstartRom& /*slot*/) { return iKickstartVersion; }},
 }};
 
