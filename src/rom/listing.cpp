@@ -23,6 +23,13 @@ const char* unlessknown(int32_t fixed) { return fixed < 0 ? "?" : ""; }
 
 void listgap(int64_t size) { message(kResult, "-- (Unallocated) %lld\n", static_cast<long long>(size)); }
 
+// The bytes from the tag to the end, in the column's eleven characters.
+std::string fromtagon(const Component& c, int32_t beforetag) {
+    constexpr size_t most = 11;
+    const auto bytes = static_cast<int32_t>(int64_t{c.iSize} - beforetag);
+    return formatted("%d%s", bytes, unlessknown(c.iFixedEnd)).substr(0, most);
+}
+
 // A component with a ROMTAG is shown as the bytes before the tag, the tag's place, and the bytes from the tag
 // on.
 void listcomponent(int32_t number, const Component& c) {
@@ -32,8 +39,7 @@ void listcomponent(int32_t number, const Component& c) {
                 unlessknown(c.iFixedStart), c.iSize, unlessknown(c.iFixedEnd), c.iRelocs(), c.iCRC32,
                 shown(c.pcType), shown(c.pcHash));
     } else {
-        const std::string fromtag = formatted("%lld%s", static_cast<long long>(int64_t{c.iSize} - beforetag),
-                                              unlessknown(c.iFixedEnd));
+        const std::string fromtag = fromtagon(c, beforetag);
         message(kResult, "%2d %-30s %6d%s:%d:%-7s %4d 0x%08x %s:%s\n", number, shown(c.pcName), beforetag,
                 unlessknown(c.iFixedStart), c.iROMTag, fromtag.c_str(), c.iRelocs(), c.iCRC32,
                 shown(c.pcType), shown(c.pcHash));

@@ -22,14 +22,11 @@ int32_t countbuffer() {
 namespace {
 
 // False at the end of the input.
-bool readline(std::FILE* input) {
-    std::ranges::fill(ckBuffer, '\0');
-    return std::fgets(ckBuffer.data(), iBufferSize, input) != nullptr;
-}
+bool readline(std::FILE* input) { return std::fgets(ckBuffer.data(), iBufferSize, input) != nullptr; }
 
-// The rest of a line that did not fit. One with a NUL in it was read to its end already.
+// Discards up to the next line feed. A line with a NUL in it was read to its end already, so the one behind
+// it goes too.
 void discardline(std::FILE* input) {
-    if (std::ranges::find(ckBuffer, '\n') != ckBuffer.end()) return;
     for (int c = 0; c != '\n' && c != EOF;)
         c = std::fgetc(input);
 }
