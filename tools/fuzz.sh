@@ -13,10 +13,15 @@ cmake --build --preset fuzz
 for target; do
     found=$root/out/fuzz/found/$target
     mkdir -p "$found"
+    log=out/fuzz/$target.log
     dictionary=
     [ ! -f "fuzz/$target.dict" ] || dictionary=-dict=$root/fuzz/$target.dict
-    echo "-- $target"
     # shellcheck disable=SC2086  # no dictionary, no argument
-    "out/fuzz/fuzz/${target}_fuzz" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=0 \
-        -verbosity=0 -artifact_prefix="$root/out/fuzz/$target-" $dictionary "$found" "$root/fuzz/corpus/$target"
+    if ! "out/fuzz/fuzz/${target}_fuzz" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+        -artifact_prefix="$root/out/fuzz/$target-" $dictionary "$found" "$root/fuzz/corpus/$target" >"$log" 2>&1; then
+        tail -60 "$log" >&2
+        echo "fuzz.sh: $target failed on what lies in out/fuzz/$target-*" >&2
+        exit 1
+    fi
+    echo "$target: $(grep '^Done' "$log")"
 done
