@@ -2,6 +2,7 @@
 
 #include "base/bytes.h"
 #include "hash/ini.h"
+#include "input.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -80,6 +81,8 @@ void check(View input) {
 
 } // namespace
 } // namespace vantorel::test
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     vantorel::test::check({data, size});
