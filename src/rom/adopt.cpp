@@ -1,7 +1,6 @@
 #include "rom/adopt.h"
 
 #include "base/message.h"
-#include "component/extract.h"
 #include "hash/crc32.h"
 
 namespace vantorel {
@@ -23,7 +22,6 @@ void deletecovered(KickstartRom& slot, size_t number) {
 } // namespace
 
 void settlecomponent(int32_t rom, int32_t number) {
-    if (createextract(rom, number) != 0) return;
     KickstartRom& slot = *findslot(rom);
     Component& component = slot.psComponents[static_cast<size_t>(number)];
     component.iCRC32 = crc32buf(*component.pcExtract);

@@ -7,9 +7,8 @@
 
 namespace vantorel {
 
-/// Builds the extract of component `number` of slot `rom`, which lies in its image, with its relocs, and
-/// takes the extract's CRC32. Then deletes the records that follow and lie wholly inside it; the image's
-/// bytes stay.
+/// Takes the CRC32 of the extract of component `number` of slot `rom`, which has one, and deletes the records
+/// that follow and lie wholly inside it; the image's bytes stay.
 void settlecomponent(int32_t rom, int32_t number);
 
 } // namespace vantorel

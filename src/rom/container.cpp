@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 namespace vantorel {
@@ -41,10 +42,10 @@ struct Range {
     const char* sizetext;
 };
 
-Range readrange(const char* value) {
+std::optional<Range> readrange(const char* value) {
     const char* comma = std::strchr(value, ',');
-    const char* sizetext = comma != nullptr ? comma + 1 : "";
-    return {decimal(value), decimal(sizetext), sizetext};
+    if (comma == nullptr) return std::nullopt;
+    return Range{decimal(value), decimal(comma + 1), comma + 1};
 }
 
 // New slots are made for the parts behind the first.
@@ -53,15 +54,20 @@ constexpr uint8_t cNewSlotFill = 255;
 void loadpart(const IniFile& ini, View data, const ContainerPart& piece, int32_t rom, bool isfirst) {
     const char* value = readiniitem(ini, "Components", piece.key);
     if (value == nullptr) return;
-    const Range range = readrange(value);
-    if (piece.announcement != nullptr)
-        message(kTrace, "%s: from %d to %d [%s]\n", piece.announcement, range.offset, range.size,
-                range.sizetext);
-    if (!isinside(data, range.offset, range.size)) {
-        message(kResult, "ERROR, %s range %d,%d is outside the file\n", piece.key, range.offset, range.size);
+    const auto range = readrange(value);
+    if (!range) {
+        message(kResult, "ERROR, %s range %s has no size\n", piece.key, value);
         return;
     }
-    loadromdata(isfirst ? rom : newrom(range.size, cNewSlotFill), part(data, range.offset, range.size));
+    if (piece.announcement != nullptr)
+        message(kTrace, "%s: from %d to %d [%s]\n", piece.announcement, range->offset, range->size,
+                range->sizetext);
+    if (!isinside(data, range->offset, range->size)) {
+        message(kResult, "ERROR, %s range %d,%d is outside the file\n", piece.key, range->offset,
+                range->size);
+        return;
+    }
+    loadromdata(isfirst ? rom : newrom(range->size, cNewSlotFill), part(data, range->offset, range->size));
 }
 
 void loadparts(const IniFile& ini, View data, const ContainerType& container, int32_t rom) {

@@ -1,6 +1,7 @@
 #include "rom/crossmatch.h"
 
 #include "base/message.h"
+#include "component/extract.h"
 #include "rom/adopt.h"
 #include "rom/store.h"
 
@@ -84,7 +85,7 @@ bool matchone(Place here, Place there) {
     component.iSize = other.iSize;
     component.ipRelocs = other.ipRelocs;
     component.pcHash = other.pcHash;
-    settlecomponent(here.rom, here.number);
+    if (createextract(here.rom, here.number) == 0) settlecomponent(here.rom, here.number);
     return true;
 }
 

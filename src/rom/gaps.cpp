@@ -6,7 +6,7 @@ namespace vantorel {
 
 namespace {
 
-// A library whose relocs are not known has bounds that were only inferred.
+// A library whose relocs are not known has bounds that were most likely only inferred.
 bool isinferred(const Component& component) { return component.ipRelocs.empty() && component.pcLibString; }
 
 void growover(Component& component, Component& next, int32_t gap) {

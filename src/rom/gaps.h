@@ -5,9 +5,8 @@
 
 namespace vantorel {
 
-/// Confirms the bounds where a component meets or overlaps the next one. Of two with a gap between, the
-/// library without relocs, whose bounds nothing has proved, grows over the gap to its neighbour that has
-/// some.
+/// Confirms the bounds where a component meets or overlaps the next one. Of two with a gap between, a library
+/// without relocs grows over the gap to a neighbour that has some.
 void closegaps(KickstartRom& slot);
 
 } // namespace vantorel

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 
 namespace vantorel {
@@ -144,14 +145,15 @@ Component modulecomponent(const RomTagInfo& tag) {
 } // namespace
 
 void addmodules(KickstartRom& slot, uint32_t base, bool hassplit) {
+    constexpr int64_t furthest = std::numeric_limits<int32_t>::max();
     auto& components = slot.psComponents;
-    for (int64_t from = 0; from < slot.iUsed; from = components.back().iEnd()) {
-        const auto tag = findromtag(slot.pcROM, static_cast<int32_t>(from), slot.iUsed, base);
-        if (!tag) return;
+    int32_t from = 0;
+    while (const auto tag = findromtag(slot.pcROM, from, slot.iUsed, base)) {
         const bool above = tag->iOffset > static_cast<uint32_t>(iSplitOffset);
         if (hassplit && above && !components.empty() && components.back().iStart < iSplitOffset)
             components.push_back(splitcomponent(slot));
         components.push_back(modulecomponent(*tag));
+        from = static_cast<int32_t>(std::min(components.back().iEnd(), furthest));
     }
 }
 

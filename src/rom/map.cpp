@@ -166,47 +166,51 @@ void applycomponenthash(int32_t rom, int32_t number, Component& component) {
 constexpr int64_t iMapCoverMost = 16;
 constexpr int32_t iMapLinesMost = 65535;
 
-int64_t mappedbytes(const std::vector<Component>& components) {
-    int64_t bytes = 0;
-    for (const Component& component : components)
-        bytes += component.iSize;
-    return bytes;
-}
+// Builds the map of a slot line by line.
+class MapReader {
+public:
+    explicit MapReader(int32_t slotnumber) : rom(slotnumber), slot(*findslot(slotnumber)) {}
 
-bool fitsmap(const KickstartRom& slot, const Component& component) {
-    return fitsimage(slot, component) &&
-           mappedbytes(slot.psComponents) + component.iSize <= iMapCoverMost * slot.iSize();
-}
-
-// The component that line `number` of the map tells of; blank when the line is empty or at fault.
-Component mapcomponent(int32_t rom, int32_t number, const char* line) {
-    Component component;
-    if (*line == '\0' || !readcomponentline(component, line)) return {};
-    if (!fitsmap(*findslot(rom), component)) {
-        message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
-                shown(component.pcName));
-        return {};
+    void read(const IniFile& ini, int32_t section) {
+        const int32_t first = ini.firstline(section);
+        const int32_t count = ini.items(section);
+        slot.psComponents.reserve(static_cast<size_t>(count));
+        for (int32_t number = 0; number < count; ++number)
+            slot.psComponents.push_back(component(number, ini.line(first + number)));
     }
-    applycomponenthash(rom, number, component);
-    return component;
-}
+
+private:
+    // The component that line `number` tells of; blank when the line is empty or at fault.
+    Component component(int32_t number, const char* line) {
+        Component component;
+        if (*line == '\0' || !readcomponentline(component, line)) return {};
+        if (!fitsimage(slot, component) || covered + component.iSize > iMapCoverMost * slot.iSize()) {
+            message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
+                    shown(component.pcName));
+            return {};
+        }
+        covered += component.iSize;
+        applycomponenthash(rom, number, component);
+        return component;
+    }
+
+    int32_t rom;
+    KickstartRom& slot;
+    int64_t covered = 0; // bytes of the components so far
+};
 
 void readcomponents(int32_t rom, const IniFile& ini) {
     const int32_t section = readinisection(ini, "Components");
     if (section < 0) return;
-    if (ini.items(section) > iMapLinesMost) {
-        message(kResult, "ERROR: A map of %d components is more than a ROM can hold\n", ini.items(section));
+    const int32_t count = ini.items(section);
+    if (count > iMapLinesMost) {
+        message(kResult, "ERROR: A map of %d components is more than a ROM can hold\n", count);
         return;
     }
-    const int32_t head = ini.firstline(section) - 1;
-    const auto count = static_cast<size_t>(ini.items(section));
-    message(kTrace, "Section:%s\n", ini.line(head));
-    message(kRaw, "Allocating space for %d components (%lu bytes)\n", ini.items(section),
-            static_cast<unsigned long>(count * sizeof(Component)));
-    auto& components = findslot(rom)->psComponents;
-    components.reserve(count);
-    for (int32_t number = 0; number < ini.items(section); ++number)
-        components.push_back(mapcomponent(rom, number, ini.line(head + 1 + number)));
+    message(kTrace, "Section:%s\n", ini.line(ini.firstline(section) - 1));
+    message(kRaw, "Allocating space for %d components (%lu bytes)\n", count,
+            static_cast<unsigned long>(static_cast<size_t>(count) * sizeof(Component)));
+    MapReader(rom).read(ini, section);
 }
 
 void applyhashfile(int32_t rom) {
