@@ -3,6 +3,7 @@
 #include "adf/blocks.h"
 #include "adf/image.h"
 #include "base/message.h"
+#include "base/text.h"
 
 #include <bitset>
 #include <optional>
@@ -89,8 +90,9 @@ private:
     }
 
     static void report(const std::string& path, const char* source, uint32_t link) {
-        message(kResult, "ERROR: %s: %s block %u, %s\n", path.c_str(), source, link,
-                isblock(link) ? "which is listed already" : "outside the disk");
+        // A disk of nothing but nested directories would make megabytes of these lines.
+        message(kResult, "ERROR: %.*s: %s block %u, %s\n", static_cast<int>(iPathMax), path.c_str(), source,
+                link, isblock(link) ? "which is listed already" : "outside the disk");
     }
 
     /// The chain ends here; the entry that links wrongly is itself sound and stays.

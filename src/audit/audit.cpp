@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -86,6 +87,14 @@ uint32_t hashedfile(const std::string& path) {
     return crc.value_or(0);
 }
 
+// Breadth first: each scan may lengthen the list.
+void scantree() {
+    for (size_t index = 0; index < psAuditFilesDir.size(); ++index)
+        // The hash library describes files; it holds none to be found.
+        if (std::string_view(mBasename(psAuditFilesDir[index].cPath.c_str())) != cHashLibrary)
+            addfiles(index);
+}
+
 } // namespace
 
 int32_t auditfiles(const std::string& top) {
@@ -95,11 +104,12 @@ int32_t auditfiles(const std::string& top) {
         message(kTrace, "Auditing files at TLD [%s]\nCWD=%s\n", root.c_str(), workingdirectory().c_str());
     freeauditfiles();
     psAuditFilesDir.push_back({0, std::move(root)});
-    // Breadth first: each scan may lengthen the list.
-    for (size_t index = 0; index < psAuditFilesDir.size(); ++index)
-        // The hash library describes files; it holds none to be found.
-        if (std::string_view(mBasename(psAuditFilesDir[index].cPath.c_str())) != cHashLibrary)
-            addfiles(index);
+    try {
+        scantree();
+    } catch (const std::bad_alloc&) {
+        freeauditfiles(); // half an audit would be in no order
+        throw;
+    }
     return static_cast<int32_t>(psAuditFilesDir.size() + psAuditFilesFile.size());
 }
 
@@ -119,8 +129,7 @@ int getauditfile(int32_t index, AuditFileData& record) {
             static_cast<int>(file.iDirectory));
     record.iDirectory = file.iDirectory;
     record.cName = shortname(file.cName);
-    if (file.iCRC32 == 0)
-        file.iCRC32 = hashedfile(joinpath(psAuditFilesDir[file.iDirectory].cPath, file.cName));
+    if (file.iCRC32 == 0) file.iCRC32 = hashedfile(psAuditFilesDir[file.iDirectory].cPath + "/" + file.cName);
     record.cCRC = formatted("0x%08x", file.iCRC32);
     message(kTrace, "CRC: %s\n", record.cCRC.c_str());
     return 0;

@@ -41,8 +41,9 @@ struct AuditDirData {
 };
 
 /// Discards the audit and makes that of the tree at `top`. Directories that cannot be read, and any called
-/// "Vantorel Hashes", are listed but not scanned; links and hidden directories are not followed.
-/// Returns the number of directories plus the number of files.
+/// "Vantorel Hashes", are listed but not scanned, as are those whose path fills `iPathMax`; hidden
+/// directories are not listed, and links are not followed. Returns the number of directories plus the number
+/// of files.
 int32_t auditfiles(const std::string& top);
 
 /// Releases the audit.

@@ -46,8 +46,16 @@ std::optional<FileContents> readfile(const std::string& path) {
     return contents;
 }
 
+int openoutput(const std::string& path, unsigned permissions) {
+    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+    const int descriptor = ::open(path.c_str(), flags | O_NONBLOCK, permissions);
+    // Only the opening must not wait.
+    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, flags);
+    return descriptor;
+}
+
 WriteResult writefile(const std::string& path, View bytes) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0755);
+    const int descriptor = openoutput(path, 0755);
     if (descriptor < 0) return WriteResult::NotOpened;
     bool good = true;
     while (good && !bytes.empty()) {

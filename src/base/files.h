@@ -48,10 +48,15 @@ inline constexpr int64_t iFileSizeMax = 0x7FFFFFFF;
 /// comes back incomplete, as does one that ends early.
 [[nodiscard]] std::optional<FileContents> readfile(const std::string& path);
 
+/// Opens `path` for writing, emptied, or made with `permissions` (less the umask). Returns the descriptor,
+/// the caller's to close; -1 when it cannot be opened. A pipe that nobody reads from is not waited for but
+/// cannot be opened.
+[[nodiscard]] int openoutput(const std::string& path, unsigned permissions);
+
 enum class WriteResult { Written, NotOpened, NotWritten };
 
-/// Creates or truncates `path` (permission bits 0755) and writes `bytes`. After `NotWritten` (a full disk)
-/// what was written so far stays.
+/// Writes `bytes` to the file `path`, opened by `openoutput` (permission bits 0755). After `NotWritten` (a
+/// full disk) what was written so far stays.
 [[nodiscard]] WriteResult writefile(const std::string& path, View bytes);
 
 } // namespace vantorel

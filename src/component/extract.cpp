@@ -12,22 +12,36 @@ bool fitsimage(const KickstartRom& slot, const Component& component) {
     return isinside(slot.pcROM, component.iStart, component.iSize);
 }
 
-void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size) {
-    std::erase_if(relocs, [size](int32_t reloc) {
-        const bool outside = reloc < 0 || int64_t{reloc} + 4 > size;
-        if (outside) message(kResult, "ERROR: Reloc %d is outside its component\n", reloc);
-        return outside;
-    });
+namespace {
+
+// Whether the long at `reloc` lies inside `size` bytes; an error line when it does not.
+bool requireinside(int32_t reloc, int64_t size) {
+    const bool inside = reloc >= 0 && int64_t{reloc} + 4 <= size;
+    if (!inside) message(kResult, "ERROR: Reloc %d is outside its component\n", reloc);
+    return inside;
 }
 
-void makerelative(Bytes& bytes, const std::vector<int32_t>& relocs, uint32_t address) {
+} // namespace
+
+void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size) {
+    std::erase_if(relocs, [size](int32_t reloc) { return !requireinside(reloc, size); });
+    relocs.shrink_to_fit();
+}
+
+void makerelative(Bytes& bytes, std::span<const int32_t> relocs, uint32_t address) {
     for (const int32_t reloc : relocs) {
-        const auto absolute = longat(bytes, reloc);
-        if (!absolute) continue;
-        const uint32_t relative = *absolute - address;
-        message(kTrace, "Reloc at %d=%08x\n", reloc, relative);
-        static_cast<void>(putlong(bytes, reloc, relative));
+        if (!requireinside(reloc, static_cast<int64_t>(bytes.size()))) continue;
+        const uint32_t absolute = *longat(bytes, reloc);
+        static_cast<void>(putlong(bytes, reloc, absolute - address));
     }
+}
+
+Bytes extractof(const KickstartRom& slot, const Component& component) {
+    message(kTrace, "There are %d relocs\n", component.iRelocs());
+    const View bytes = part(slot.pcROM, component.iStart, component.iSize);
+    Bytes extract(bytes.begin(), bytes.end());
+    makerelative(extract, component.ipRelocs, runaddress(slot, component));
+    return extract;
 }
 
 int createextract(int32_t rom, int32_t component) {
@@ -42,11 +56,7 @@ int createextract(int32_t rom, int32_t component) {
         message(kResult, "ERROR: Component %d does not lie in its image\n", component);
         return 1;
     }
-    droprelocsoutside(record.ipRelocs, record.iSize);
-    message(kTrace, "There are %d relocs\n", record.iRelocs());
-    const View bytes = part(slot->pcROM, record.iStart, record.iSize);
-    record.pcExtract.emplace(bytes.begin(), bytes.end());
-    makerelative(*record.pcExtract, record.ipRelocs, runaddress(*slot, record));
+    record.pcExtract = extractof(*slot, record);
     return 0;
 }
 

@@ -6,6 +6,7 @@
 #include "rom/store.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace vantorel {
@@ -21,8 +22,13 @@ namespace vantorel {
 void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size);
 
 /// Subtracts `address` from the big-endian long at each of `relocs` (offsets into `bytes`), in order; a reloc
-/// named twice counts twice. Each result is shown above level 5. Relocs outside `bytes` are passed over.
-void makerelative(Bytes& bytes, const std::vector<int32_t>& relocs, uint32_t address);
+/// named twice counts twice. One whose long does not lie inside `bytes` is left out with an error line.
+void makerelative(Bytes& bytes, std::span<const int32_t> relocs, uint32_t address);
+
+/// The bytes of `component`, which lies in the image of `slot`, with the longs at its relocs made relative to
+/// its first byte; relocs outside it are left out with an error line each. Tells the number of relocs above
+/// level 5.
+[[nodiscard]] Bytes extractof(const KickstartRom& slot, const Component& component);
 
 /// (Re)builds the extract of component `component` of slot `rom` from the image and the component's relocs,
 /// of which those outside the component are dropped with an error line each. Returns 0; 1 with an error line,

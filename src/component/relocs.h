@@ -2,6 +2,7 @@
 // Relocation lists as hash files hold them: a section [RELOC32] of lines "RELOC=" and a decimal component
 // offset.
 
+#include "hash/hashfile.h"
 #include "hash/ini.h"
 
 #include <cstdint>
@@ -10,7 +11,6 @@
 
 namespace vantorel {
 
-inline constexpr const char* cRelocSection = "RELOC32";
 inline constexpr std::string_view cRelocKey = "RELOC=";
 
 /// The offsets in section `section` of `ini` (an index from `readinisection`): the decimal number behind the

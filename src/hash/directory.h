@@ -30,8 +30,9 @@ private:
     std::unique_ptr<DIR, Close> handle;
 };
 
-/// Whether a directory of a walk, reached by `joinpath`, is to be listed: a path of full length has been cut,
-/// or its entries' paths would be, and then names a directory that was there before.
+/// False for a path of `iPathMax` characters: it may have been cut, and its entries' paths would be, so that
+/// a walk could come to the same directory for ever. Not to be asked of a walk's root, which is taken as it
+/// is given.
 [[nodiscard]] bool iswalkable(const std::string& path);
 
 } // namespace vantorel

@@ -44,9 +44,11 @@ void addline(IniFile& ini, size_t start, size_t end) {
 } // namespace
 
 std::optional<IniFile> loadinifile(const std::string& path) {
-    const auto contents = readfile(path);
+    auto contents = readfile(path);
     if (!contents || contents->iExpected > iFileSizeMax) return std::nullopt;
-    return parseini({contents->bytes.begin(), contents->bytes.end()});
+    std::vector<char> text(contents->bytes.begin(), contents->bytes.end());
+    contents.reset(); // the file is not held twice while it is indexed
+    return parseini(std::move(text));
 }
 
 IniFile parseini(std::vector<char> text) {

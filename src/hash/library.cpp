@@ -59,10 +59,12 @@ void countbuckets() {
     }
 }
 
-/// A counting sort, which keeps the order of the scan within a bucket.
+/// A counting sort, which keeps the order of the scan within a bucket. All memory is had before the tables
+/// are filled: they only count for a list in order.
 void sortbybucket() {
-    std::array<int32_t, 256> place = iIndexPos;
     std::vector<HashFileEntry> sorted(psVanHashFile.size());
+    countbuckets();
+    std::array<int32_t, 256> place = iIndexPos;
     for (auto& file : psVanHashFile) {
         int32_t& position = place[bucketof(file.cName)];
         sorted[static_cast<size_t>(position++)] = std::move(file);
@@ -97,7 +99,6 @@ void loadhashes(const std::string& path) {
     // Breadth first: each scan may lengthen the list.
     for (size_t index = 0; index < pcVanHashDir.size(); ++index)
         addhashes(index);
-    countbuckets();
     sortbybucket();
 }
 

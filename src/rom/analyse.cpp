@@ -12,21 +12,14 @@ namespace vantorel {
 
 namespace {
 
-// Offsets in the header of a Kickstart image, in bytes.
-constexpr int64_t iEntry = 4;
-constexpr int64_t iVersion = 12;
-constexpr int64_t iRevision = 14;
-constexpr int64_t iExecVersion = 16;
-constexpr int64_t iExecRevision = 18;
-
 void showheader(int32_t rom, const KickstartRom& slot) {
     const View image = slot.pcROM;
     message(kResult, "Analyse %2d ROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", rom, slot.iROMBase,
             slot.iCRC32, slot.iUsed, slot.iSize(), slot.iSize() / 1024);
     message(kResult, "File size=%06x, Ident=%02x%02x, Entry=%08x, Ver=%d.%d, ExecVer=%d.%d\n",
-            static_cast<uint32_t>(slot.iUsed), image[0], image[1], *longat(image, iEntry),
-            *wordat(image, iVersion), *wordat(image, iRevision), *wordat(image, iExecVersion),
-            *wordat(image, iExecRevision));
+            static_cast<uint32_t>(slot.iUsed), image[0], image[1], *longat(image, RomHeader::iEntry),
+            *wordat(image, RomHeader::iVersion), *wordat(image, RomHeader::iRevision),
+            *wordat(image, RomHeader::iExecVersion), *wordat(image, RomHeader::iExecRevision));
 }
 
 void allocatemap(KickstartRom& slot, int32_t count) {

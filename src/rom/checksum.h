@@ -2,20 +2,11 @@
 // The Kickstart checksum, and what makes an image a valid Kickstart.
 
 #include "base/bytes.h"
+#include "rom/header.h"
 
 #include <cstdint>
 
 namespace vantorel {
-
-// Where a Kickstart image of S bytes keeps its fixed structures, in bytes from its end.
-inline constexpr int32_t iChecksumFromEnd = 24; ///< the checksum, a long
-inline constexpr int32_t iSizeFromEnd = 20;     ///< the internal size, a long
-inline constexpr int32_t iVectorsFromEnd = 16;  ///< the eight words 0x0018 to 0x001F
-
-// Sizes of Kickstart images, in bytes.
-inline constexpr int32_t iSize256K = 262144;
-inline constexpr int32_t iSize512K = 524288;
-inline constexpr int32_t iSize1M = 1048576;
 
 /// The checksum that the image `data` should carry: the complement of the sum, with end-around carry, of its
 /// big-endian longs, less the one at `iChecksumFromEnd`. Bytes that the last long lacks count as 0.

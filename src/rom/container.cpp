@@ -1,6 +1,8 @@
 #include "rom/container.h"
 
 #include "base/message.h"
+#include "hash/hashfile.h"
+#include "rom/header.h"
 #include "rom/layout.h"
 #include "rom/map.h"
 #include "rom/store.h"
@@ -52,7 +54,7 @@ std::optional<Range> readrange(const char* value) {
 constexpr uint8_t cNewSlotFill = 255;
 
 void loadpart(const IniFile& ini, View data, const ContainerPart& piece, int32_t rom, bool isfirst) {
-    const char* value = readiniitem(ini, "Components", piece.key);
+    const char* value = readiniitem(ini, cComponentsSection, piece.key);
     if (value == nullptr) return;
     const auto range = readrange(value);
     if (!range) {
@@ -78,7 +80,7 @@ void loadparts(const IniFile& ini, View data, const ContainerType& container, in
 } // namespace
 
 bool decodeformat(const IniFile& ini, Bytes& data) {
-    const char* value = readiniitem(ini, "Description", "Format");
+    const char* value = readiniitem(ini, cDescriptionSection, "Format");
     if (value == nullptr) {
         message(kResult, "No declared format, assuming unencoded, unencrypted data\n");
         return true;
@@ -86,7 +88,7 @@ bool decodeformat(const IniFile& ini, Bytes& data) {
     const std::string_view format = value;
     if (format == "CD32Encoded") {
         message(kProgress, "CD32Encoded\n");
-        if (data.size() < iCD32Size) {
+        if (data.size() < iSize1M) {
             message(kResult, "ERROR, a CD32 image must be 1048576 bytes, is %ld\n",
                     static_cast<long>(data.size()));
             return false;
@@ -103,7 +105,7 @@ bool decodeformat(const IniFile& ini, Bytes& data) {
 }
 
 void loadcontainer(const IniFile& ini, View data, int32_t rom) {
-    const char* value = readiniitem(ini, "Description", "FileType");
+    const char* value = readiniitem(ini, cDescriptionSection, "FileType");
     if (value == nullptr) {
         message(kResult, "Undefined FileType, loading %d of raw data\n", static_cast<int32_t>(data.size()));
         loadromdata(rom, data);

@@ -2,7 +2,8 @@
 
 #include "base/message.h"
 #include "component/extract.h"
-#include "rom/adopt.h"
+#include "hash/crc32.h"
+#include "rom/covered.h"
 #include "rom/store.h"
 
 #include <algorithm>
@@ -36,76 +37,109 @@ int32_t countmatches(View image, int64_t start, uint32_t address, View extract) 
     return count;
 }
 
-bool islike(const Component& component, const Component& other) {
-    if (!other.pcLibString) return false;
-    if (std::strncmp(component.pcLibString->c_str(), other.pcLibString->c_str(), iLikeness) != 0)
-        return false;
-    message(kProgress, "12 byte match %lu %lu\n", static_cast<unsigned long>(component.pcLibString->size()),
-            static_cast<unsigned long>(other.pcLibString->size()));
-    return true;
-}
-
-// A component of a slot, by both numbers.
-struct Place {
+// A component of another slot.
+struct Other {
     int32_t rom;
     int32_t number;
-
-    [[nodiscard]] const KickstartRom& slot() const { return *findslot(rom); }
-    [[nodiscard]] Component& component() const {
-        return findslot(rom)->psComponents[static_cast<size_t>(number)];
-    }
+    const Component& component;
 };
 
-// Whether the image at `here` holds what `there` has an extract of. `start` is where it would begin.
-bool isperfect(Place here, Place there, int64_t start) {
-    const KickstartRom& slot = here.slot();
-    const Component& other = there.component();
-    const auto length = std::min(other.pcExtract->size(), static_cast<size_t>(std::max(other.iSize, 0)));
-    const uint32_t address = slot.iROMBase + static_cast<uint32_t>(start);
-    message(kResult, "Check source %d:%d @%08x with %d:%d @%08x\n", here.rom, here.number,
-            static_cast<uint32_t>(start), there.rom, there.number, static_cast<uint32_t>(other.iStart));
-    const int32_t count = countmatches(slot.pcROM, start, address, View(*other.pcExtract).first(length));
-    message(kResult, "Match %d of %d\n", count, other.iSize);
-    return count == other.iSize && isinside(slot.pcROM, start, other.iSize);
-}
+// Comparing is worth its time up to this many bytes in an analysis; real ROMs come to a fiftieth of it. Each
+// comparison counts for some bytes more, for what it prints.
+constexpr int64_t iWorkMost = 512 * 1048576;
+constexpr int64_t iWorkEach = 4096;
 
-bool matchone(Place here, Place there) {
-    const Component& other = there.component();
-    if (other.isblank()) return false;
-    const void* extract = other.pcExtract ? other.pcExtract->data() : nullptr;
-    message(kProgress, "Checking component %d:%d [%s] Extract:%p\n", there.rom, there.number,
-            shown(other.pcLibString), extract);
-    Component& component = here.component();
-    if (!islike(component, other) || !other.pcExtract) return false;
-    const int64_t start = int64_t{component.iROMTag} - (int64_t{other.iROMTag} - other.iStart);
-    if (!isperfect(here, there, start)) return false;
-    message(kResult, "Perfect match, analysing ROM %d Component %d matches ROM %d Component %d\n", here.rom,
-            here.number, there.rom, there.number);
-    component.iStart = component.iFixedStart = static_cast<int32_t>(start);
-    component.iSize = other.iSize;
-    component.ipRelocs = other.ipRelocs;
-    component.pcHash = other.pcHash;
-    if (createextract(here.rom, here.number) == 0) settlecomponent(here.rom, here.number);
-    return true;
-}
+// The search for the components of one slot in all others.
+class CrossMatcher {
+public:
+    explicit CrossMatcher(int32_t slotnumber) : rom(slotnumber), slot(*findslot(slotnumber)) {}
 
-void matchcomponent(Place here) {
-    message(kProgress, "Looking for [%s]\n", shown(here.component().pcLibString));
-    for (int32_t rom = 0; rom < iMaxRom; ++rom) {
-        if (rom == here.rom) continue;
-        const int32_t count = findslot(rom)->iComponents();
-        message(kProgress, "Looking in ROM %d - checking against %d components\n", rom, count);
-        for (int32_t number = 0; number < count; ++number)
-            if (matchone(here, {rom, number})) return;
+    void matchall() {
+        for (int32_t number = 0; number < slot.iComponents() && !istoomuch(); ++number)
+            if (component(number).pcLibString) lookfor(number);
+        if (istoomuch()) message(kResult, "ERROR: There is too much to compare in other ROMs, leaving off\n");
     }
-}
+
+private:
+    [[nodiscard]] Component& component(int32_t number) {
+        return slot.psComponents[static_cast<size_t>(number)];
+    }
+    [[nodiscard]] bool istoomuch() const { return work > iWorkMost; }
+
+    void lookfor(int32_t number) {
+        message(kProgress, "Looking for [%s]\n", shown(component(number).pcLibString));
+        for (int32_t otherrom = 0; otherrom < iMaxRom; ++otherrom) {
+            if (otherrom == rom) continue;
+            const auto& others = findslot(otherrom)->psComponents;
+            message(kProgress, "Looking in ROM %d - checking against %d components\n", otherrom,
+                    static_cast<int32_t>(others.size()));
+            for (size_t i = 0; i < others.size() && !istoomuch(); ++i)
+                if (matches(number, {otherrom, static_cast<int32_t>(i), others[i]})) return;
+        }
+    }
+
+    // Compares with one component of another slot, and takes over what that tells when the two are the same.
+    bool matches(int32_t number, const Other& other) {
+        if (other.component.isblank()) return false;
+        const auto& extract = other.component.pcExtract;
+        message(kProgress, "Checking component %d:%d [%s] Extract:%p\n", other.rom, other.number,
+                shown(other.component.pcLibString),
+                extract ? static_cast<const void*>(extract->data()) : nullptr);
+        if (!isalike(number, other) || !extract) return false;
+        const int64_t start =
+            int64_t{component(number).iROMTag} - (int64_t{other.component.iROMTag} - other.component.iStart);
+        if (!issame(number, other, start)) return false;
+        message(kResult, "Perfect match, analysing ROM %d Component %d matches ROM %d Component %d\n", rom,
+                number, other.rom, other.number);
+        take(number, other.component, static_cast<int32_t>(start));
+        return true;
+    }
+
+    // Whether the first characters of both id strings agree; tells it when they do.
+    bool isalike(int32_t number, const Other& other) {
+        const Text& mine = component(number).pcLibString;
+        const Text& theirs = other.component.pcLibString;
+        if (!theirs || std::strncmp(mine->c_str(), theirs->c_str(), iLikeness) != 0) return false;
+        message(kProgress, "12 byte match %lu %lu\n", static_cast<unsigned long>(mine->size()),
+                static_cast<unsigned long>(theirs->size()));
+        return true;
+    }
+
+    // Whether the image at `start` holds what the other component has an extract of; tells how much of it.
+    bool issame(int32_t number, const Other& other, int64_t start) {
+        const View extract = View(*other.component.pcExtract)
+                                 .first(std::min(other.component.pcExtract->size(),
+                                                 static_cast<size_t>(std::max(other.component.iSize, 0))));
+        message(kResult, "Check source %d:%d @%08x with %d:%d @%08x\n", rom, number,
+                static_cast<uint32_t>(start), other.rom, other.number,
+                static_cast<uint32_t>(other.component.iStart));
+        const int32_t count =
+            countmatches(slot.pcROM, start, slot.iROMBase + static_cast<uint32_t>(start), extract);
+        work += static_cast<int64_t>(extract.size()) + iWorkEach;
+        message(kResult, "Match %d of %d\n", count, other.component.iSize);
+        return count == other.component.iSize && isinside(slot.pcROM, start, other.component.iSize);
+    }
+
+    // All memory is had before the record changes.
+    void take(int32_t number, const Component& other, int32_t start) {
+        Component found = component(number);
+        found.iStart = found.iFixedStart = start;
+        found.iSize = other.iSize;
+        found.ipRelocs = other.ipRelocs;
+        found.pcHash = other.pcHash;
+        found.pcExtract = extractof(slot, found);
+        found.iCRC32 = crc32buf(*found.pcExtract);
+        component(number) = std::move(found);
+        deletecovered(slot, static_cast<size_t>(number));
+    }
+
+    int32_t rom;
+    KickstartRom& slot;
+    int64_t work = 0;
+};
 
 } // namespace
 
-void matchotherroms(int32_t rom) {
-    const KickstartRom& slot = *findslot(rom);
-    for (int32_t number = 0; number < slot.iComponents(); ++number)
-        if (slot.psComponents[static_cast<size_t>(number)].pcLibString) matchcomponent({rom, number});
-}
+void matchotherroms(int32_t rom) { CrossMatcher(rom).matchall(); }
 
 } // namespace vantorel

@@ -149,6 +149,10 @@ void addmodules(KickstartRom& slot, uint32_t base, bool hassplit) {
     auto& components = slot.psComponents;
     int32_t from = 0;
     while (const auto tag = findromtag(slot.pcROM, from, slot.iUsed, base)) {
+        if (slot.iComponents() >= iComponentsMost) {
+            message(kResult, "ERROR: More ROMTAGs than a ROM can hold, leaving off at %u\n", tag->iOffset);
+            return;
+        }
         const bool above = tag->iOffset > static_cast<uint32_t>(iSplitOffset);
         if (hassplit && above && !components.empty() && components.back().iStart < iSplitOffset)
             components.push_back(splitcomponent(slot));

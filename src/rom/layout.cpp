@@ -1,5 +1,7 @@
 #include "rom/layout.h"
 
+#include "rom/header.h"
+
 #include <algorithm>
 
 namespace vantorel {
@@ -12,8 +14,8 @@ Bytes byteswapped(View data) {
 }
 
 void deinterleaveCD32(Bytes& data) {
-    constexpr size_t quarter = iCD32Size / 4;
-    const Bytes file(data.begin(), data.begin() + iCD32Size);
+    constexpr size_t quarter = iSize1M / 4;
+    const Bytes file(data.begin(), data.begin() + iSize1M);
     for (size_t half = 0; half < 2; ++half) {
         const auto high = file.begin() + static_cast<std::ptrdiff_t>(half * quarter);
         const auto low = high + static_cast<std::ptrdiff_t>(2 * quarter);

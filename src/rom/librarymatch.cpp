@@ -5,9 +5,10 @@
 #include "component/hunk.h"
 #include "component/relocs.h"
 #include "hash/crc32.h"
+#include "hash/hashfile.h"
 #include "hash/ini.h"
 #include "hash/library.h"
-#include "rom/adopt.h"
+#include "rom/covered.h"
 #include "rom/store.h"
 #include "shell/numbers.h"
 
@@ -27,7 +28,7 @@ std::string searchkey(const std::string& libstring) {
 }
 
 int32_t numberof(const IniFile& ini, const char* key) {
-    const char* value = readiniitem(ini, "Description", key);
+    const char* value = readiniitem(ini, cDescriptionSection, key);
     return value != nullptr ? decimal(value) : 0;
 }
 
@@ -57,59 +58,88 @@ std::string formname(const KickstartRom& slot, Component& component, const std::
     return formatted("0x%08x.%s", crc32buf(loadablelibraryform(component)), key.c_str());
 }
 
-bool trycandidate(int32_t rom, int32_t number, const HashFileEntry& entry, const std::string& key) {
-    const std::string path = hashfilepath(entry);
-    const auto ini = loadinifile(path);
-    if (!ini) {
-        message(kResult, "ERROR: Couldn't open hash file %s\n", path.c_str());
-        return false;
-    }
-    KickstartRom& slot = *findslot(rom);
-    Component& component = slot.psComponents[static_cast<size_t>(number)];
-    Component candidate = component;
-    if (!describe(*ini, slot, candidate)) {
-        message(kProgress, "[WONTFIT] We will ignore this\n");
-        return false;
-    }
-    const std::string name = formname(slot, candidate, key);
-    if (name != entry.cName) {
-        message(kProgress, "[NOMATCH] We will discard this\n");
-        message(kProgress, "\"%s\" != \"%s\"\n", name.c_str(), entry.cName.c_str());
-        return false;
-    }
-    message(kProgress, "[MATCH] We will keep this\n");
-    candidate.pcHash = entry.cName;
-    component = std::move(candidate);
-    settlecomponent(rom, number);
-    return true;
-}
+// Trying files is worth its time up to this many bytes of them in an analysis. Each counts for some bytes
+// more.
+constexpr int64_t iWorkMost = 256 * 1048576;
+constexpr int64_t iWorkEach = 2048;
 
-void matchcomponent(int32_t rom, int32_t number) {
-    const Component& component = findslot(rom)->psComponents[static_cast<size_t>(number)];
-    if (component.pcHash) {
-        message(kProgress, "Skipping complete component %d %s\n", number, shown(component.pcName));
-        return;
+// The search for the components of one slot in the hash library.
+class LibraryMatcher {
+public:
+    explicit LibraryMatcher(int32_t slotnumber) : slot(*findslot(slotnumber)) {}
+
+    void matchall() {
+        for (int32_t number = 0; number < slot.iComponents() && !istoomuch(); ++number)
+            lookfor(number);
+        if (istoomuch())
+            message(kResult, "ERROR: There is too much to try in the hash library, leaving off\n");
     }
-    if (!component.pcLibString) return;
-    const std::string key = searchkey(*component.pcLibString);
-    message(kProgress, "Checking component %d %s ", number, shown(component.pcLibString));
-    message(kProgress, "(%s)\n", key.c_str());
-    for (size_t i = 0; i < psVanHashFile.size(); ++i) {
-        const HashFileEntry& entry = psVanHashFile[i];
-        if (isshown(kTrace))
-            message(kTrace, "Checking %d %s\n", static_cast<int32_t>(i), entry.cName.c_str());
-        if (entry.cName.find(key) == std::string::npos) continue;
-        message(kTrace, "[CANDIDATE] %s\n", entry.cName.c_str());
-        if (trycandidate(rom, number, entry, key)) return;
+
+private:
+    [[nodiscard]] Component& component(int32_t number) {
+        return slot.psComponents[static_cast<size_t>(number)];
     }
-}
+    [[nodiscard]] bool istoomuch() const { return work > iWorkMost; }
+
+    void lookfor(int32_t number) {
+        const Component& wanted = component(number);
+        if (wanted.pcHash) {
+            message(kProgress, "Skipping complete component %d %s\n", number, shown(wanted.pcName));
+            return;
+        }
+        if (!wanted.pcLibString) return;
+        const std::string key = searchkey(*wanted.pcLibString);
+        message(kProgress, "Checking component %d %s ", number, shown(wanted.pcLibString));
+        message(kProgress, "(%s)\n", key.c_str());
+        for (size_t i = 0; i < psVanHashFile.size() && !istoomuch(); ++i) {
+            const HashFileEntry& entry = psVanHashFile[i];
+            if (isshown(kTrace))
+                message(kTrace, "Checking %d %s\n", static_cast<int32_t>(i), entry.cName.c_str());
+            if (entry.cName.find(key) == std::string::npos) continue;
+            message(kTrace, "[CANDIDATE] %s\n", entry.cName.c_str());
+            if (trycandidate(number, entry, key)) return;
+        }
+    }
+
+    // Tries one file, and takes over what it tells when its name is the one that the component would get.
+    bool trycandidate(int32_t number, const HashFileEntry& entry, const std::string& key) {
+        work += iWorkEach;
+        const std::string path = hashfilepath(entry);
+        const auto ini = loadinifile(path);
+        if (!ini) {
+            message(kResult, "ERROR: Couldn't open hash file %s\n", path.c_str());
+            return false;
+        }
+        work += static_cast<int64_t>(ini->pcBuffer.size());
+        Component candidate = component(number);
+        if (!describe(*ini, slot, candidate)) {
+            message(kProgress, "[WONTFIT] We will ignore this\n");
+            return false;
+        }
+        work += candidate.iSize;
+        const std::string name = formname(slot, candidate, key);
+        if (name != entry.cName) {
+            message(kProgress, "[NOMATCH] We will discard this\n");
+            message(kProgress, "\"%s\" != \"%s\"\n", name.c_str(), entry.cName.c_str());
+            return false;
+        }
+        message(kProgress, "[MATCH] We will keep this\n");
+        candidate.pcHash = entry.cName;
+        candidate.iCRC32 = crc32buf(*candidate.pcExtract);
+        component(number) = std::move(candidate);
+        deletecovered(slot, static_cast<size_t>(number));
+        return true;
+    }
+
+    KickstartRom& slot;
+    int64_t work = 0;
+};
 
 } // namespace
 
 void matchhashlibrary(int32_t rom) {
     message(kResult, "Match any unknown components by hash alone\n");
-    for (int32_t number = 0; number < findslot(rom)->iComponents(); ++number)
-        matchcomponent(rom, number);
+    LibraryMatcher(rom).matchall();
 }
 
 } // namespace vantorel

@@ -67,17 +67,11 @@ int32_t rom(int32_t n) {
 
 namespace {
 
-// Offsets in the header of a Kickstart image, in bytes.
-constexpr int64_t iIdentOffset = 0;
-constexpr int64_t iEntryOffset = 4;
-constexpr int64_t iVersionOffset = 12;
-constexpr int64_t iRevisionOffset = 14;
-
 void showheader(const KickstartRom& slot) {
     const View image = slot.pcROM;
     message(kAlways, "Size=%d/%dk, Ident=0x%04x, Entry=0x%06x, Ver=r%d.%d\n", slot.iSize(),
-            slot.iSize() / 1024, *wordat(image, iIdentOffset), *longat(image, iEntryOffset),
-            *wordat(image, iVersionOffset), *wordat(image, iRevisionOffset));
+            slot.iSize() / 1024, *wordat(image, RomHeader::iIdent), *longat(image, RomHeader::iEntry),
+            *wordat(image, RomHeader::iVersion), *wordat(image, RomHeader::iRevision));
 }
 
 void showsums(int32_t rom, const KickstartRom& slot) {

@@ -4,6 +4,7 @@
 #include "component/extract.h"
 #include "component/relocs.h"
 #include "hash/crc32.h"
+#include "hash/hashfile.h"
 #include "hash/ini.h"
 #include "hash/library.h"
 #include "rom/checksum.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,8 +25,8 @@ namespace {
 
 // The type words of component lines, in the order in which they are tried.
 constexpr std::array<std::string_view, 12> cTypeWords = {
-    "Library", "Device", "ROMHeader", "Kickity-Split",    "Checksum",      "BadData",
-    "Data",    "Size",   "Vectors",   "Loadable Library", "Kickstart ROM", "Extended ROM",
+    cTypeLibrary, "Device",  "ROMHeader",  cTypeKickitySplit,  cTypeChecksum,   "BadData",
+    cTypeData,    cTypeSize, cTypeVectors, "Loadable Library", "Kickstart ROM", "Extended ROM",
 };
 
 bool halvesequal(View data) {
@@ -59,9 +61,9 @@ void placeimage(KickstartRom& slot, View data) {
 Text copyof(const char* text) { return text != nullptr ? Text(text) : Text(""); }
 
 void readdescription(KickstartRom& slot, const IniFile& ini) {
-    slot.pcTitle = copyof(readiniitem(ini, "Description", "Title"));
-    slot.pcText = copyof(readiniitem(ini, "Description", "Text"));
-    const char* base = readiniitem(ini, "Description", "ROMBase");
+    slot.pcTitle = copyof(readiniitem(ini, cDescriptionSection, "Title"));
+    slot.pcText = copyof(readiniitem(ini, cDescriptionSection, "Text"));
+    const char* base = readiniitem(ini, cDescriptionSection, "ROMBase");
     if (base == nullptr)
         message(kResult, "WARNING: No ROMBase\n");
     else
@@ -81,21 +83,24 @@ void readtype(Component& component, std::string_view rest) {
     component.pcHash = rest;
 }
 
-// Splits "name=start,size,type:hash". False, the record left blank, when a separator is missing.
-bool readcomponentline(Component& component, const char* line) {
+// The parts of a line "name=start,size,type:hash", the last as text.
+struct MapLine {
+    std::string name;
+    int32_t start;
+    int32_t size;
+    const char* rest;
+};
+
+// None, and an error line, when a separator is missing.
+std::optional<MapLine> splitline(const char* line) {
     const char* equals = std::strchr(line, '=');
     const char* first = equals != nullptr ? std::strchr(equals, ',') : nullptr;
     const char* second = first != nullptr ? std::strchr(first + 1, ',') : nullptr;
     if (second == nullptr) {
         message(kResult, "ERROR: Invalid Component \"%s\"\n", line);
-        return false;
+        return std::nullopt;
     }
-    component.pcName = std::string(line, equals);
-    component.iStart = component.iFixedStart = decimal(equals + 1);
-    component.iSize = decimal(first + 1);
-    component.iFixedEnd = static_cast<int32_t>(component.iEnd());
-    readtype(component, second + 1);
-    return true;
+    return MapLine{std::string(line, equals), decimal(equals + 1), decimal(first + 1), second + 1};
 }
 
 // The relocs of section `section`, up to the first line that is none.
@@ -124,7 +129,10 @@ void takeextract(Component& component, const KickstartRom& slot) {
     component.pcExtract.emplace(bytes.begin(), bytes.end());
     droprelocsoutside(component.ipRelocs, component.iSize);
     message(kProgress, "There are %d relocs\n", component.iRelocs());
-    makerelative(*component.pcExtract, component.ipRelocs, runaddress(slot, component));
+    for (const int32_t& reloc : component.ipRelocs) {
+        makerelative(*component.pcExtract, {&reloc, 1}, runaddress(slot, component));
+        message(kTrace, "Reloc at %d=%08x\n", reloc, *longat(*component.pcExtract, reloc));
+    }
 }
 
 void taketag(Component& component, const KickstartRom& slot) {
@@ -139,10 +147,9 @@ void taketag(Component& component, const KickstartRom& slot) {
 }
 
 // Fills in what the component's own hash file, and with its help the image, tells.
-void applycomponenthash(int32_t rom, int32_t number, Component& component) {
+void applycomponenthash(int32_t rom, int32_t number, const std::optional<IniFile>& ini,
+                        Component& component) {
     const KickstartRom& slot = *findslot(rom);
-    message(kProgress, "looking for component hash %s\n", shown(component.pcHash));
-    const auto ini = loadinifile(findhashfile(component.pcHash->c_str()));
     if (!ini) {
         message(kProgress, "WARNING, No hash file for component %d may have unknown relocs\n", number);
         return;
@@ -161,10 +168,11 @@ void applycomponenthash(int32_t rom, int32_t number, Component& component) {
     message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
 }
 
-// A map names each byte of its image about once, so one whose components together are this many times the
-// image, or that has more lines than this, is damage, and would use memory out of proportion.
-constexpr int64_t iMapCoverMost = 16;
-constexpr int32_t iMapLinesMost = 65535;
+// A map names each byte of its image about once and has a small file for each component. One that claims this
+// many times its image, or this many bytes of hash files, is damage: it would use time and memory out of
+// proportion.
+constexpr int64_t iMapClaimMost = 16;
+constexpr int64_t iMapHashMost = 16 * 1048576;
 
 // Builds the map of a slot line by line.
 class MapReader {
@@ -176,34 +184,62 @@ public:
         const int32_t count = ini.items(section);
         slot.psComponents.reserve(static_cast<size_t>(count));
         for (int32_t number = 0; number < count; ++number)
-            slot.psComponents.push_back(component(number, ini.line(first + number)));
+            slot.psComponents.push_back(readline(number, ini.line(first + number)));
     }
 
 private:
     // The component that line `number` tells of; blank when the line is empty or at fault.
-    Component component(int32_t number, const char* line) {
+    Component readline(int32_t number, const char* line) {
+        if (*line == '\0') return {};
+        const auto parts = splitline(line);
+        if (!parts || !isadmitted(number, *parts)) return {};
         Component component;
-        if (*line == '\0' || !readcomponentline(component, line)) return {};
-        if (!fitsimage(slot, component) || covered + component.iSize > iMapCoverMost * slot.iSize()) {
-            message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
-                    shown(component.pcName));
-            return {};
-        }
-        covered += component.iSize;
-        applycomponenthash(rom, number, component);
+        component.pcName = parts->name;
+        component.iStart = component.iFixedStart = parts->start;
+        component.iSize = parts->size;
+        component.iFixedEnd = parts->start + parts->size;
+        readtype(component, parts->rest);
+        message(kProgress, "looking for component hash %s\n", shown(component.pcHash));
+        applycomponenthash(rom, number, hashfile(component), component);
         return component;
+    }
+
+    // Whether the range lies in the image, and the map claims no more of it than a sound one; an error line
+    // when not.
+    bool isadmitted(int32_t number, const MapLine& parts) {
+        if (!isinside(slot.pcROM, parts.start, parts.size)) {
+            message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
+                    parts.name.c_str());
+            return false;
+        }
+        claimed += parts.size;
+        if (claimed <= iMapClaimMost * slot.iSize()) return true;
+        message(kResult, "ERROR: Component %d (%s) is left out, the map claims too much of its image\n",
+                number, parts.name.c_str());
+        return false;
+    }
+
+    // The component's own hash file; none when there is none, or when those of the map have been too much.
+    std::optional<IniFile> hashfile(const Component& component) {
+        if (hashed > iMapHashMost) return std::nullopt;
+        auto ini = loadinifile(findhashfile(component.pcHash->c_str()));
+        if (ini) hashed += static_cast<int64_t>(ini->pcBuffer.size());
+        if (hashed > iMapHashMost)
+            message(kResult, "ERROR: The hash files of this map's components are too large\n");
+        return ini;
     }
 
     int32_t rom;
     KickstartRom& slot;
-    int64_t covered = 0; // bytes of the components so far
+    int64_t claimed = 0; // bytes of the components so far
+    int64_t hashed = 0;  // bytes of their hash files
 };
 
 void readcomponents(int32_t rom, const IniFile& ini) {
-    const int32_t section = readinisection(ini, "Components");
+    const int32_t section = readinisection(ini, cComponentsSection);
     if (section < 0) return;
     const int32_t count = ini.items(section);
-    if (count > iMapLinesMost) {
+    if (count > iComponentsMost) {
         message(kResult, "ERROR: A map of %d components is more than a ROM can hold\n", count);
         return;
     }

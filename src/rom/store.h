@@ -44,6 +44,10 @@ struct Component {
     [[nodiscard]] bool isblank() const { return !pcName && !pcType; }
 };
 
+/// More components than any ROM has: a map of more is damage, and working on it would take out of all
+/// proportion.
+inline constexpr int32_t iComponentsMost = 4096;
+
 /// One slot. The stored checksum is the long at `iSize` - 24, the internal size the long at `iSize` - 20.
 struct KickstartRom {
     Bytes pcROM;                         ///< the image

@@ -56,10 +56,9 @@ void alias(const std::string& name, const std::string& value) {
         return;
     }
     message(kTrace, "Create new alias to %s\n", value.c_str());
-    std::string newvalue = value;
-    pcAliasvalue.reserve(pcAliasvalue.size() + 1);
+    pcAliasvalue.resize(pcAliasname.size()); // the same, but when memory ran out between the next two lines
+    pcAliasvalue.push_back(value);
     pcAliasname.push_back(name);
-    pcAliasvalue.push_back(std::move(newvalue));
 }
 
 void aliasadd(const std::string& name, const std::string& operand) { storesum(name, operandvalue(operand)); }

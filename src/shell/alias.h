@@ -19,14 +19,17 @@ extern std::vector<std::string> pcAliasvalue;
 /// "No such alias". An empty name does nothing.
 void alias(const std::string& name, const std::string& value);
 
-/// Adds `operand` ("0x" and hexadecimal digits, else decimal) to the alias `name`, whose value is "0x" and up
+// The next ones change the alias `name`. Without such an alias they print "No such alias" and change nothing;
+// an empty name does nothing.
+
+/// Adds `operand` ("0x" and hexadecimal digits, else decimal) to its value, which is "0x" and up
 /// to eight hexadecimal digits, wrapping at 32 bits. The result is stored as "0x%08x".
 void aliasadd(const std::string& name, const std::string& operand);
 
 /// The same, subtracting.
 void aliassub(const std::string& name, const std::string& operand);
 
-/// Cuts the value of the alias `name` down to `length` characters from `start` (both 0 or more); a length of
+/// Cuts its value down to `length` characters from `start` (both 0 or more); a length of
 /// 0 goes to its end. A value shorter than `start` becomes empty.
 void aliasmid(const std::string& name, int32_t start, int32_t length);
 

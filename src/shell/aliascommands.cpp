@@ -13,15 +13,15 @@ namespace vantorel::command {
 
 namespace {
 
-// An operand may be negative, or hexadecimal, but a decimal one has to fit.
-bool isoperand(int32_t n) { return ishexadecimal(argument(n)) || numberargument(n); }
+// An operand may be negative, or hexadecimal, but a decimal one has to fit, or there is an error line.
+bool requireoperand(int32_t n) { return ishexadecimal(argument(n)) || numberargument(n); }
 
 void add() {
-    if (isoperand(3)) aliasadd(argument(1), argument(3));
+    if (requireoperand(3)) aliasadd(argument(1), argument(3));
 }
 
 void subtract() {
-    if (isoperand(3)) aliassub(argument(1), argument(3));
+    if (requireoperand(3)) aliassub(argument(1), argument(3));
 }
 
 void mid() {

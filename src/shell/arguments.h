@@ -1,6 +1,6 @@
 #pragma once
-// What the commands share in reading their arguments. Argument n is token n of the current line; an empty
-// token is an absent argument.
+// What the commands share in reading their arguments. Argument n, 0 to 15, is token n of the current
+// line; an empty token is an absent argument.
 
 #include <cstdint>
 #include <optional>

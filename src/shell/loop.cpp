@@ -4,8 +4,10 @@
 #include "base/text.h"
 #include "hash/library.h"
 #include "shell/commands.h"
+#include "shell/settings.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
 
 namespace vantorel {
@@ -24,6 +26,10 @@ namespace {
 // False at the end of the input.
 bool readline(std::FILE* input) { return std::fgets(ckBuffer.data(), iBufferSize, input) != nullptr; }
 
+// Whether the last write failed because nobody reads the pipe that the session was started on. The reader of
+// a log may leave: the session goes on, and another log may be named.
+bool isabandoned() { return errno == EPIPE && !haslogfile(); }
+
 // Discards up to the next line feed. A line with a NUL in it was read to its end already, so the one behind
 // it goes too.
 void discardline(std::FILE* input) {
@@ -38,7 +44,7 @@ void commandloop(std::FILE* input) {
     script(formatted("loadhashes \"%s\"", cHashLibrary).c_str());
     for (;;) {
         message(kAlways, "VanCLI> ");
-        std::fflush(stdout);
+        if (std::fflush(stdout) != 0 && isabandoned()) break;
         if (!readline(input)) break;
         if (countbuffer() == iBufferSize) {
             message(kAlways, "ERROR, command buffer too small, ignoring input\n");

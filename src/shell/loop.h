@@ -16,8 +16,9 @@ extern std::vector<char> ckBuffer;
 /// The length of the line in `ckBuffer`, its line feed cut off; `iBufferSize` when it has none.
 [[nodiscard]] int32_t countbuffer();
 
-/// Runs the start-up command, then the lines of `input` at a prompt, up to one that begins with "exit" or the
-/// end. A line that does not fit the command buffer is not run, and reported.
+/// Runs the start-up command, then the lines of `input` at a prompt, up to one that begins with "exit", the
+/// end, or the leaving of whoever reads the output. A line that does not fit the command buffer is not run,
+/// and reported.
 void commandloop(std::FILE* input);
 
 } // namespace vantorel

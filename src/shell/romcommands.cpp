@@ -58,15 +58,23 @@ void loadpairintonewslot() {
     vantorel::loadsplitrom(argument(1), argument(2), iCurrentROM);
 }
 
+// The slot that argument `n` names; none, and an error line, when there is none.
+std::optional<int32_t> existingslot(int32_t n) {
+    const auto slot = numberargument(n);
+    if (!slot || findslot(*slot) != nullptr) return slot;
+    message(kResult, "No such ROM\n");
+    return std::nullopt;
+}
+
 // `loadrom` always succeeds by its result, so this form leaves the current ROM as it was.
 void loadintoslot() {
-    const auto slot = numberargument(2);
+    const auto slot = existingslot(2);
     if (slot && vantorel::loadrom(argument(1), *slot) != 0) iCurrentROM = *slot;
 }
 
 // Only a merge that failed makes the slot current; scripts rely on it.
 void loadpairintoslot() {
-    const auto slot = numberargument(3);
+    const auto slot = existingslot(3);
     if (slot && vantorel::loadsplitrom(argument(1), argument(2), *slot) != 0) iCurrentROM = *slot;
 }
 

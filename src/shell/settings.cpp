@@ -1,10 +1,10 @@
 #include "shell/settings.h"
 
+#include "base/files.h"
 #include "base/message.h"
 #include "base/text.h"
 
 #include <cstdio>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,28 +15,26 @@ int32_t iDiotMode = 0;
 
 namespace {
 
-// Not waiting for a reader when the path is a pipe; once it is open, writing may wait.
-int openlog(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, O_WRONLY);
-    return descriptor;
-}
+bool islogging = false;
 
 } // namespace
 
 int logfile(const std::string& path) {
     message(kAlways, "freopen() - %s\n", path.c_str());
-    const int descriptor = openlog(path);
+    std::fflush(stdout); // before the file is emptied, which may be the one in use
+    const int descriptor = openoutput(path, 0666);
     if (descriptor < 0) {
         message(kResult, "ERROR: failed to open output file %s\n", path.c_str());
         return 1;
     }
-    std::fflush(stdout);
     ::dup2(descriptor, STDOUT_FILENO);
     if (descriptor != STDOUT_FILENO) ::close(descriptor);
+    islogging = true;
     message(kAlways, "OK\n");
     return 0;
 }
+
+bool haslogfile() { return islogging; }
 
 int savedir(const std::string& path) {
     struct stat status {};

@@ -17,6 +17,9 @@ extern int32_t iDiotMode;
 /// one. Returns 0; 1 with an error line, the old output staying in use, when the file cannot be opened.
 int logfile(const std::string& path);
 
+/// Whether `logfile` has sent the output to a file of the user's.
+[[nodiscard]] bool haslogfile();
+
 /// Makes the directory `path` the save directory. Returns 0; 1 with a message, the old one staying, when it
 /// is none.
 int savedir(const std::string& path);

@@ -287,16 +287,6 @@ TEST_F(Audit, APipeDoesNotWait) {
     EXPECT_EQ(crcof(0), "0x00000000");
 }
 
-TEST_F(Audit, AFileTooLargeToBeReadWholeIsReported) {
-    add("huge");
-    fs::resize_file(path("huge"), 4ULL * 1024 * 1024 * 1024);
-    audit();
-    EXPECT_EQ(captured([] { EXPECT_EQ(crcof(0), "0x00000000"); }),
-              "ERROR: file " + path("huge") + " could not be read in full\n");
-    iLogLevel = 0;
-    EXPECT_EQ(captured([] { (void)crcof(0); }), "");
-}
-
 TEST_F(Audit, AFileThatEndsEarlyIsReported) {
     const std::string target = "/sys/kernel/mm/transparent_hugepage/enabled";
     if (!fs::exists(target)) GTEST_SKIP() << "no " << target;

@@ -178,4 +178,17 @@ TEST(WriteFile, AFullDiskIsNotWritten) {
     EXPECT_EQ(writefile("/dev/full", {}), WriteResult::Written);
 }
 
+TEST(WriteFile, APipeWithoutAReaderCannotBeOpened) {
+    const TempDir directory;
+    ASSERT_EQ(::mkfifo(directory.file("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(writefile(directory.file("pipe"), Bytes{1}), WriteResult::NotOpened);
+}
+
+TEST(OpenOutput, WritesToADeviceMayWait) {
+    const int descriptor = openoutput("/dev/null", 0755);
+    ASSERT_GE(descriptor, 0);
+    EXPECT_EQ(::fcntl(descriptor, F_GETFL) & O_NONBLOCK, 0);
+    ::close(descriptor);
+}
+
 } // namespace vantorel::test

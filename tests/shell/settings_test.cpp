@@ -1,11 +1,15 @@
 #include "shell/settings.h"
 
 #include "base/message.h"
+#include "shell/commands.h"
 #include "shell/loop.h"
 #include "shell/session.h"
 #include "support/capture.h"
 
+#include <csignal>
+#include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -46,6 +50,29 @@ TEST_F(LogFileCommand, TheNameIsToldAtLevelTwo) {
     EXPECT_EQ(printedat(2, "logfile out.txt append"),
               "Parsed [logfile out.txt append]\nLogfile is now out.txt\nfreopen() - out.txt\n");
     EXPECT_EQ(printedat(1, "logfile out.txt"), "freopen() - out.txt\n");
+}
+
+TEST_F(LogFileCommand, TheLogInUseIsEmptiedAndGoesOn) {
+    EXPECT_EQ(session("logfile out.txt\necho first\nlogfile out.txt\necho second\nexit\n"),
+              "VanCLI> freopen() - out.txt\n");
+    EXPECT_EQ(directory.text("out.txt"), "OK\nVanCLI> second \nVanCLI> ");
+}
+
+TEST_F(LogFileCommand, AReaderOfTheLogThatLeavesDoesNotEndTheSession) {
+    ASSERT_EQ(::mkfifo(directory.file("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(printed("logfile pipe"), "freopen() - pipe\nERROR: failed to open output file pipe\n");
+    const int reader = ::open(directory.file("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    const auto former = std::signal(SIGPIPE, SIG_IGN); // as the program does when it starts
+    Capture console;
+    script("logfile pipe");
+    ::close(reader);
+    script("echo unheard");
+    script("logfile out.txt");
+    script("echo heard");
+    console.text();
+    std::signal(SIGPIPE, former);
+    EXPECT_TRUE(directory.text("out.txt").ends_with("heard \n"));
 }
 
 TEST_F(LogFileCommand, OneThatCannotBeOpenedLeavesTheOutputAsItWas) {
