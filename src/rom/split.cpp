@@ -15,6 +15,12 @@ namespace {
 
 std::optional<FileContents> openpart(const std::string& path) {
     message(kTrace, "Opening %s\n", path.c_str());
+    // Two of them have to make an image.
+    if (const InputFile file(path); file.size() > iFileSizeMax / 2) {
+        message(kResult, "ERROR: %s is too large to be merged (%ld bytes)\n", path.c_str(),
+                static_cast<long>(file.size()));
+        return std::nullopt;
+    }
     auto contents = readfile(path);
     if (!contents) message(kResult, "ERROR: Can't open %s\n", path.c_str());
     return contents;
@@ -40,12 +46,8 @@ std::optional<Pair> readpair(const std::string& path1, const std::string& path2)
         message(kResult, "ERROR: Incomplete read or files are different sizes, can't merge them\n");
         return std::nullopt;
     }
-    const auto size = static_cast<int64_t>(first->bytes.size());
-    if (2 * size > iFileSizeMax) {
-        message(kResult, "ERROR: Two files of %ld bytes are too large to merge\n", static_cast<long>(size));
-        return std::nullopt;
-    }
-    message(kProgress, "OK: Two files of %d bytes read, attempting merge\n", static_cast<int32_t>(size));
+    message(kProgress, "OK: Two files of %d bytes read, attempting merge\n",
+            static_cast<int32_t>(first->bytes.size()));
     return Pair{std::move(first->bytes), std::move(second->bytes)};
 }
 

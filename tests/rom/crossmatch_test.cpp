@@ -284,5 +284,19 @@ TEST_F(CoveringTest, AComponentThatReachesOutOfTheMatchedOneStays) {
     EXPECT_EQ(slotat(1).iComponents(), 5);
 }
 
+TEST_F(CrossMatchTest, MoreComparisonsThanRealRomsNeedAreLeftOff) {
+    loaded(RomBuilder(8192, kNewBase).module(exec()).build().image);
+    silently([] { analyserom(0); });
+    silently([] { newrom(64, 0); });
+    // Each is alike, and never the same: its extract is shorter than itself.
+    Component alike = componentat(0, 0);
+    alike.iSize = 8;
+    alike.pcExtract = Bytes(1);
+    slotat(1).psComponents.assign(512 * 1048576 / 4096 + 1, alike);
+    const std::string error = "ERROR: There is too much to compare in other ROMs, leaving off\n";
+    EXPECT_EQ(countof(at(1, [] { analyserom(0); }), error), 1);
+    EXPECT_FALSE(has(at(0, [] { analyserom(0); }), "ERROR"));
+}
+
 } // namespace
 } // namespace vantorel::test

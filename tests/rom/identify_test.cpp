@@ -368,5 +368,24 @@ TEST_F(IdentifyTest, MessagesHaveTheirThresholds) {
                       {0, "Negative EndSkip (-20), setting to 26\n"}});
 }
 
+TEST_F(IdentifyTest, MoreTagsThanAnyRomHasEndTheMap) {
+    // One tag behind the other, each leading to the next.
+    Bytes image(8);
+    for (uint32_t i = 0; i <= static_cast<uint32_t>(iComponentsMost); ++i) {
+        const uint32_t tag = 0xF80008 + i * 26;
+        appendword(image, 0x4AFC);
+        appendlong(image, tag);
+        appendlong(image, tag + 26);
+        image.resize(image.size() + 16);
+    }
+    image.resize(image.size() + 64);
+    loaded(image);
+    const std::string error = "ERROR: More ROMTAGs than a ROM can hold, leaving off at " +
+                              std::to_string(8 + iComponentsMost * 26) + "\n";
+    EXPECT_TRUE(has(at(1, [] { analyserom(0); }), error));
+    EXPECT_EQ(slotat(0).iComponents(), iComponentsMost);
+    EXPECT_FALSE(has(at(0, [] { analyserom(0); }), "ERROR"));
+}
+
 } // namespace
 } // namespace vantorel::test

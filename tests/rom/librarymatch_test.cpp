@@ -253,5 +253,21 @@ TEST_F(LibraryMatchTest, MessagesHaveTheirThresholds) {
                       {1, "Skipping complete component 1 Checksum\n"}});
 }
 
+TEST_F(LibraryMatchTest, MoreTrialsThanRealLibrariesNeedAreLeftOff) {
+    // Each claims the whole megabyte, so that a few hundred are too much.
+    built = RomBuilder(1048576, 0xF80000)
+                .module({.name = "exec.library", .idstring = "exec 40.10 (15.7.93)\r\n", .size = 1024})
+                .build();
+    const std::string claim =
+        "[Description]\nSize=1048576\nROMTAG=" + std::to_string(built.modules[0].romtag()) + "\n";
+    for (int i = 0; i < 260; ++i)
+        hashes.write(hex32(static_cast<uint32_t>(i) * 0x01000000u + 1) + "." + kKey + std::to_string(i),
+                     claim);
+    load();
+    const std::string error = "ERROR: There is too much to try in the hash library, leaving off\n";
+    EXPECT_EQ(countof(analyse(1), error), 1);
+    EXPECT_FALSE(has(at(0, [] { analyserom(0); }), "ERROR"));
+}
+
 } // namespace
 } // namespace vantorel::test

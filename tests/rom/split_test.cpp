@@ -243,20 +243,20 @@ TEST_F(SplitTest, FilesThatCannotBeOpenedAreNamed) {
     EXPECT_EQ(loadfiles(), "ERROR: Can't open " + dir.file("second") + "\n") << "a directory";
 }
 
-TEST_F(SplitTest, FilesOfFourGigabytesAreRefusedUnread) {
-    for (const char* name : {"first", "second"}) {
-        dir.file(name, Bytes{});
-        std::filesystem::resize_file(dir.file(name), uintmax_t{1} << 32);
-    }
-    EXPECT_EQ(loadfiles(), "ERROR: Incomplete read or files are different sizes, can't merge them\n");
-    EXPECT_EQ(result, 1);
-}
-
 TEST_F(SplitTest, ASlotThatDoesNotExistIsRefused) {
     const ChipPair pair = splitpair(standardrom(262144).image);
     dir.file("first", pair.first);
     dir.file("second", pair.second);
     EXPECT_EQ(at(1, [&] { loadsplitrom(dir.file("first"), dir.file("second"), 3); }), "No such ROM\n");
+}
+
+TEST_F(SplitTest, AFileOfWhichTwoAreTooLargeForAnImageIsNotRead) {
+    const std::string huge = dir.file("huge", "");
+    std::filesystem::resize_file(huge, 0x40000000);
+    silently([] { newrom(0, 0); });
+    EXPECT_EQ(at(1, [&] { EXPECT_EQ(loadsplitrom(huge, huge, 0), 1); }),
+              "ERROR: " + huge + " is too large to be merged (1073741824 bytes)\n");
+    EXPECT_EQ(at(0, [&] { loadsplitrom(huge, huge, 0); }), "");
 }
 
 } // namespace
