@@ -46,7 +46,7 @@ struct Other {
 
 // Comparing is worth its time up to this many bytes in an analysis; real ROMs come to a fiftieth of it. Each
 // comparison counts for some bytes more, for what it prints.
-constexpr int64_t iWorkMost = 512 * 1048576;
+constexpr int64_t iWorkMost = int64_t{512} << 20;
 constexpr int64_t iWorkEach = 4096;
 
 // The search for the components of one slot in all others.

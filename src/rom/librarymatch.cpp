@@ -60,7 +60,7 @@ std::string formname(const KickstartRom& slot, Component& component, const std::
 
 // Trying files is worth its time up to this many bytes of them in an analysis. Each counts for some bytes
 // more.
-constexpr int64_t iWorkMost = 256 * 1048576;
+constexpr int64_t iWorkMost = int64_t{256} << 20;
 constexpr int64_t iWorkEach = 2048;
 
 // The search for the components of one slot in the hash library.

@@ -172,7 +172,7 @@ void applycomponenthash(int32_t rom, int32_t number, const std::optional<IniFile
 // many times its image, or this many bytes of hash files, is damage: it would use time and memory out of
 // proportion.
 constexpr int64_t iMapClaimMost = 16;
-constexpr int64_t iMapHashMost = 16 * 1048576;
+constexpr int64_t iMapHashMost = int64_t{16} << 20;
 
 // Builds the map of a slot line by line.
 class MapReader {

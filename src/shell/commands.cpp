@@ -16,12 +16,6 @@ namespace vantorel {
 
 namespace {
 
-struct Command {
-    const char* keyword;
-    const char* arguments; // as a user types them; [optional], a|b: either
-    void (*run)();
-};
-
 constexpr std::array<Command, 20> cCommands = {{
     {"help", "", command::help},
     {"romname", "NAME", command::romname},
@@ -57,6 +51,8 @@ void dispatch() {
 void outofmemory() { message(kResult, "ERROR, not enough memory\n"); }
 
 } // namespace
+
+std::span<const Command> commandtable() { return cCommands; }
 
 int32_t script(const char* line) {
     try {

@@ -14,6 +14,9 @@
 #include "support/rombuilder.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <set>
 
 namespace vantorel::test {
 
@@ -423,6 +426,26 @@ TEST_F(Script, ASavedDiskFileIgnoresTheSaveDirectory) {
     EXPECT_FALSE(directory.exists("out/Startup"));
     EXPECT_EQ(printed("adfsavefile Startup copy"), "");
     EXPECT_FALSE(directory.exists("copy"));
+}
+
+// The table
+
+TEST(CommandTable, KeywordsAreInLowerCaseAndStandOnce) {
+    std::set<std::string> keywords;
+    for (const Command& command : commandtable()) {
+        const std::string keyword = command.keyword;
+        EXPECT_TRUE(std::ranges::all_of(keyword, [](char c) { return c >= 'a' && c <= 'z'; })) << keyword;
+        EXPECT_TRUE(keywords.insert(keyword).second) << keyword;
+    }
+}
+
+TEST(CommandTable, TheReadmeTellsOfEveryCommand) {
+    std::ifstream file(VANTOREL_ROOT "/README.md");
+    const std::string readme{std::istreambuf_iterator<char>(file), {}};
+    for (const Command& command : commandtable())
+        EXPECT_TRUE(readme.find("`" + std::string(command.keyword) + "`") != std::string::npos ||
+                    readme.find("`" + std::string(command.keyword) + " ") != std::string::npos)
+            << command.keyword;
 }
 
 } // namespace vantorel::test
