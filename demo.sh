@@ -7,8 +7,9 @@ set -eu
 commands() {
     quote='"'
     case $1 in *\"*) quote="'" ;; esac
-    echo "echo == $(basename "$1"): load it, analyse it, list its components and its modules"
-    echo "loadrom $quote$1$quote"
+    path=$(printf '%s' "$1" | sed 's/\$/$$/g') # a single "$" would be a reference
+    echo "echo == The next ROM: load it, analyse it, list its components and its modules"
+    echo "loadrom $quote$path$quote"
     echo analyserom
     echo rom
     echo modules
@@ -18,7 +19,8 @@ here=$(cd "$(dirname "$0")" && pwd)
 script=$(mktemp)
 trap 'rm -f "$script"' EXIT
 for file; do
-    [ -r "$file" ] || { echo "demo.sh: $file cannot be read" >&2; exit 1; }
+    [ -f "$file" ] && [ -r "$file" ] || { echo "demo.sh: $file cannot be read" >&2; exit 1; }
+    case $file in *\"*\'* | *\'*\"*) echo "demo.sh: $file has both kinds of quotes in its name" >&2; exit 1 ;; esac
     commands "$(realpath "$file")" >>"$script"
 done
 

@@ -8,9 +8,9 @@ shift
 root=$PWD # absolute paths, since a target may change its folder
 
 cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz
 [ $# -gt 0 ] || set -- $(basename -a -s _fuzz.cpp fuzz/*_fuzz.cpp)
 for target; do
+    cmake --build --preset fuzz --target "${target}_fuzz"
     found=$root/out/fuzz/found/$target
     mkdir -p "$found"
     log=out/fuzz/$target.log

@@ -50,18 +50,13 @@ uint32_t cChecksum(int32_t rom) {
     return slot != nullptr ? cChecksumData(slot->pcROM) : 0;
 }
 
+bool iskickstartsize(size_t size) { return size == iSize256K || size == iSize512K || size == iSize1M; }
+
 bool validrom(View data) {
-    if (data.empty() || data[0] != 0x11) return false;
-    switch (data.size()) {
-    case iSize256K:
-    case iSize512K:
-        return carriesvalidchecksum(data);
-    case iSize1M:
-        return carriesvalidchecksum(part(data, 0, iSize512K)) &&
-               carriesvalidchecksum(part(data, iSize512K, iSize512K));
-    default:
-        return false;
-    }
+    if (!iskickstartsize(data.size()) || data[0] != 0x11) return false;
+    if (data.size() != iSize1M) return carriesvalidchecksum(data);
+    return carriesvalidchecksum(part(data, 0, iSize512K)) &&
+           carriesvalidchecksum(part(data, iSize512K, iSize512K));
 }
 
 } // namespace vantorel

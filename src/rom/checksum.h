@@ -16,8 +16,11 @@ namespace vantorel {
 /// The same of slot `rom`, over its whole image. 0, and an error line, when there is no such slot.
 [[nodiscard]] uint32_t cChecksum(int32_t rom);
 
-/// Whether `data` is a valid Kickstart image: it begins with 0x11, has 256K, 512K or 1M, and carries a valid
-/// checksum (of 1M: each half its own).
+/// Whether an image of `size` bytes can be a Kickstart: 256K, 512K or 1M.
+[[nodiscard]] bool iskickstartsize(size_t size);
+
+/// Whether `data` is a valid Kickstart image: it begins with 0x11, has one of the sizes, and carries a
+/// valid checksum (of 1M: each half its own).
 [[nodiscard]] bool validrom(View data);
 
 } // namespace vantorel

@@ -68,7 +68,7 @@ bool findsplit(const KickstartRom& slot) {
 int32_t countromtags(const KickstartRom& slot, uint32_t& base) {
     const View image = slot.pcROM;
     int32_t count = 0;
-    for (int64_t i = 0; i < slot.iUsed;) {
+    for (int64_t i = 0; (i = nextmatchword(image, i, slot.iUsed)) < slot.iUsed;) {
         const auto candidate = romtagbase(image, i);
         if (candidate && base == 0) base = *candidate;
         if (candidate && *candidate == base) {

@@ -54,7 +54,8 @@ void loadrawdata(int32_t rom, View data) {
     message(kProgress, "No hash file, loading rawdata\n");
     if (!validrom(data)) {
         message(kProgress, "Does not appear to be a valid ROM, trying byteswap\n");
-        if (const Bytes swapped = byteswapped(data); validrom(swapped)) {
+        const Bytes swapped = iskickstartsize(data.size()) ? byteswapped(data) : Bytes();
+        if (validrom(swapped)) {
             message(kProgress, "Appears to be a valid ROM after byteswap\n");
             loadromdata(rom, swapped);
             return;

@@ -2,6 +2,9 @@
 
 #include "base/message.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace vantorel {
 
 namespace {
@@ -87,6 +90,20 @@ RomTagInfo decode(View image, int32_t offset, uint32_t base) {
 
 } // namespace
 
+int64_t nextmatchword(View image, int64_t from, int64_t to) {
+    const int64_t end = std::min(to, static_cast<int64_t>(image.size()) - 1);
+    from = std::max<int64_t>(from, 0);
+    while (from < end) {
+        const void* found =
+            std::memchr(image.data() + from, iMatchWordValue >> 8, static_cast<size_t>(end - from));
+        if (found == nullptr) return to;
+        from = static_cast<const uint8_t*>(found) - image.data();
+        if (wordat(image, from) == iMatchWordValue) return from;
+        ++from;
+    }
+    return to;
+}
+
 std::optional<uint32_t> romtagbase(View image, int64_t offset) {
     if (!isinside(image, offset, RomTag::iLength)) return std::nullopt;
     const uint8_t* tag = image.data() + offset;
@@ -99,8 +116,9 @@ std::optional<uint32_t> romtagbase(View image, int64_t offset) {
 std::optional<RomTagInfo> findromtag(View image, int32_t from, int32_t to, uint32_t& romBase) {
     message(kTrace, "FINDINGROMTAG from %d to %d in %p ROMBase=%08x\n", from, to,
             static_cast<const void*>(image.data()), romBase);
-    for (int32_t i = from; i < to; ++i) {
-        if (wordat(image, i) != iMatchWordValue) continue;
+    for (int64_t place = nextmatchword(image, from, to); place < to;
+         place = nextmatchword(image, place + 1, to)) {
+        const auto i = static_cast<int32_t>(place);
         message(kTrace, "Found TAG at %d\n", i);
         const auto base = romtagbase(image, i);
         if (!base) continue;

@@ -39,6 +39,10 @@ struct RomTagInfo {
     std::string cIdString; ///< RT_IDSTRING text, at most 128 characters; empty when it lies outside the image
 };
 
+/// Image offset of the next RT_MATCHWORD in [from, to), image offsets in bytes; `to` when there is none.
+/// Whether it marks a ROMTAG is for `romtagbase` to say.
+[[nodiscard]] int64_t nextmatchword(View image, int64_t from, int64_t to);
+
 /// The base (a CPU address) for which the bytes at image offset `offset` would be a ROMTAG: its match tag
 /// points at itself for a base of whole 4 KiB below 16 MB. None when they are no tag or its 26 bytes run out
 /// of the image.
