@@ -37,7 +37,6 @@ void makerelative(Bytes& bytes, std::span<const int32_t> relocs, uint32_t addres
 }
 
 Bytes extractof(const KickstartRom& slot, const Component& component) {
-    message(kTrace, "There are %d relocs\n", component.iRelocs());
     const View bytes = part(slot.pcROM, component.iStart, component.iSize);
     Bytes extract(bytes.begin(), bytes.end());
     makerelative(extract, component.ipRelocs, runaddress(slot, component));
@@ -56,6 +55,7 @@ int createextract(int32_t rom, int32_t component) {
         message(kResult, "ERROR: Component %d does not lie in its image\n", component);
         return 1;
     }
+    message(kTrace, "There are %d relocs\n", record.iRelocs());
     record.pcExtract = extractof(*slot, record);
     return 0;
 }

@@ -26,8 +26,7 @@ void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size);
 void makerelative(Bytes& bytes, std::span<const int32_t> relocs, uint32_t address);
 
 /// The bytes of `component`, which lies in the image of `slot`, with the longs at its relocs made relative to
-/// its first byte; relocs outside it are left out with an error line each. Tells the number of relocs above
-/// level 5.
+/// its first byte; relocs outside it are left out with an error line each.
 [[nodiscard]] Bytes extractof(const KickstartRom& slot, const Component& component);
 
 /// (Re)builds the extract of component `component` of slot `rom` from the image and the component's relocs,

@@ -15,7 +15,7 @@ constexpr int64_t iPiece = 0x20000;
 
 } // namespace
 
-uint32_t updateCRC32(uint8_t byte, uint32_t crc) { return (crc >> 8) ^ _crc_32_tab[(crc ^ byte) & 0xFF]; }
+uint32_t updateCRC32(uint8_t byte, uint32_t crc) { return crcstep(byte, crc); }
 
 uint32_t updateCRC32(View data, uint32_t crc) {
     static const CrcEngine fastest = crcengines().front();

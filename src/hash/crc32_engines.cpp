@@ -14,10 +14,8 @@ constexpr SliceTables slicetables() {
     SliceTables tables{};
     tables[0] = _crc_32_tab;
     for (size_t n = 1; n < iSlices; ++n)
-        for (size_t byte = 0; byte < 256; ++byte) {
-            const uint32_t before = tables[n - 1][byte];
-            tables[n][byte] = (before >> 8) ^ _crc_32_tab[before & 0xFF];
-        }
+        for (size_t byte = 0; byte < 256; ++byte)
+            tables[n][byte] = crcstep(0, tables[n - 1][byte]);
     return tables;
 }
 
@@ -53,7 +51,7 @@ uint32_t updatebytables(View data, uint32_t crc) {
     for (; rest >= iSlices; rest -= iSlices, p += iSlices)
         crc = step(p, crc);
     for (; rest > 0; --rest, ++p)
-        crc = (crc >> 8) ^ _crc_32_tab[(crc ^ *p) & 0xFF];
+        crc = crcstep(*p, crc);
     return crc;
 }
 

@@ -41,6 +41,11 @@ constexpr std::array<uint32_t, 256> crctable() {
 
 inline constexpr std::array<uint32_t, 256> _crc_32_tab = crctable();
 
+/// The register after one more byte.
+constexpr uint32_t crcstep(uint8_t byte, uint32_t crc) {
+    return (crc >> 8) ^ _crc_32_tab[(crc ^ byte) & 0xFF];
+}
+
 /// A way to compute the CRC register after all of `data`.
 struct CrcEngine {
     const char* cName;

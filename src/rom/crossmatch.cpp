@@ -2,8 +2,7 @@
 
 #include "base/message.h"
 #include "component/extract.h"
-#include "hash/crc32.h"
-#include "rom/covered.h"
+#include "rom/adopt.h"
 #include "rom/store.h"
 
 #include <algorithm>
@@ -127,10 +126,9 @@ private:
         found.iSize = other.iSize;
         found.ipRelocs = other.ipRelocs;
         found.pcHash = other.pcHash;
+        message(kTrace, "There are %d relocs\n", found.iRelocs());
         found.pcExtract = extractof(slot, found);
-        found.iCRC32 = crc32buf(*found.pcExtract);
-        component(number) = std::move(found);
-        deletecovered(slot, static_cast<size_t>(number));
+        adoptcomponent(slot, static_cast<size_t>(number), std::move(found));
     }
 
     int32_t rom;

@@ -13,6 +13,11 @@ Bytes byteswapped(View data) {
     return swapped;
 }
 
+bool isdoubled(View data) {
+    const size_t half = data.size() / 2;
+    return data.size() % 2 == 0 && std::ranges::equal(data.first(half), data.last(half));
+}
+
 void deinterleaveCD32(Bytes& data) {
     constexpr size_t quarter = iSize1M / 4;
     const Bytes file(data.begin(), data.begin() + iSize1M);

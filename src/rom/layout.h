@@ -8,6 +8,9 @@ namespace vantorel {
 /// `data` with the two bytes of every 16-bit word exchanged; an odd last byte stays.
 [[nodiscard]] Bytes byteswapped(View data);
 
+/// Whether `data` is one thing twice: of even length, both halves the same.
+[[nodiscard]] bool isdoubled(View data);
+
 /// Undoes the interleave of the first `iSize1M` bytes of `data`, a CD32 ROM file, which has at least as many;
 /// the rest stays. Long k of the image's first half is word k of the file's first quarter and word k of its
 /// third, long k of the second half word k of the second quarter and word k of the fourth.

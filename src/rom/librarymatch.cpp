@@ -8,7 +8,7 @@
 #include "hash/hashfile.h"
 #include "hash/ini.h"
 #include "hash/library.h"
-#include "rom/covered.h"
+#include "rom/adopt.h"
 #include "rom/store.h"
 #include "shell/numbers.h"
 
@@ -52,9 +52,7 @@ bool describe(const IniFile& ini, const KickstartRom& slot, Component& component
 // The name under which the library would keep the component, as `slot` has it.
 std::string formname(const KickstartRom& slot, Component& component, const std::string& key) {
     droprelocsoutside(component.ipRelocs, component.iSize);
-    const View bytes = part(slot.pcROM, component.iStart, component.iSize);
-    component.pcExtract.emplace(bytes.begin(), bytes.end());
-    makerelative(*component.pcExtract, component.ipRelocs, runaddress(slot, component));
+    component.pcExtract = extractof(slot, component);
     return formatted("0x%08x.%s", crc32buf(loadablelibraryform(component)), key.c_str());
 }
 
@@ -125,9 +123,7 @@ private:
         }
         message(kProgress, "[MATCH] We will keep this\n");
         candidate.pcHash = entry.cName;
-        candidate.iCRC32 = crc32buf(*candidate.pcExtract);
-        component(number) = std::move(candidate);
-        deletecovered(slot, static_cast<size_t>(number));
+        adoptcomponent(slot, static_cast<size_t>(number), std::move(candidate));
         return true;
     }
 

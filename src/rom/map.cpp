@@ -8,6 +8,7 @@
 #include "hash/ini.h"
 #include "hash/library.h"
 #include "rom/checksum.h"
+#include "rom/layout.h"
 #include "rom/romtag.h"
 #include "rom/store.h"
 #include "shell/numbers.h"
@@ -29,18 +30,13 @@ constexpr std::array<std::string_view, 12> cTypeWords = {
     cTypeData,    cTypeSize, cTypeVectors, "Loadable Library", "Kickstart ROM", "Extended ROM",
 };
 
-bool halvesequal(View data) {
-    const size_t half = data.size() / 2;
-    return std::ranges::equal(data.first(half), data.last(half));
-}
-
 // A burner that fills a larger chip repeats the image.
 View withoutoverburn(View data) {
-    if (data.size() == iSize1M && halvesequal(data)) {
+    if (data.size() == iSize1M && isdoubled(data)) {
         message(kResult, "Overburnt 512k ROM, loading the first half\n");
         data = data.first(iSize512K);
     }
-    if (data.size() == iSize512K && halvesequal(data)) {
+    if (data.size() == iSize512K && isdoubled(data)) {
         message(kResult, "Overburnt 256k ROM, loading the first half\n");
         data = data.first(iSize256K);
     }
@@ -146,28 +142,6 @@ void taketag(Component& component, const KickstartRom& slot) {
     }
 }
 
-// Fills in what the component's own hash file, and with its help the image, tells.
-void applycomponenthash(int32_t rom, int32_t number, const std::optional<IniFile>& ini,
-                        Component& component) {
-    const KickstartRom& slot = *findslot(rom);
-    if (!ini) {
-        message(kProgress, "WARNING, No hash file for component %d may have unknown relocs\n", number);
-        return;
-    }
-    const int32_t section = readinisection(*ini, cRelocSection);
-    if (section < 0) {
-        message(kResult, "No relocs\n");
-        return;
-    }
-    component.ipRelocs = readrelocs(*ini, section);
-    message(kProgress, "Hashing raw component=%2d %s (%d bytes) from ROM=%d\n", number,
-            shown(component.pcName), component.iSize, rom);
-    takeextract(component, slot);
-    taketag(component, slot);
-    component.iCRC32 = crc32buf(*component.pcExtract);
-    message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
-}
-
 // A map names each byte of its image about once and has a small file for each component. One that claims this
 // many times its image, or this many bytes of hash files, is damage: it would use time and memory out of
 // proportion.
@@ -199,9 +173,30 @@ private:
         component.iSize = parts->size;
         component.iFixedEnd = parts->start + parts->size;
         readtype(component, parts->rest);
-        message(kProgress, "looking for component hash %s\n", shown(component.pcHash));
-        applycomponenthash(rom, number, hashfile(component), component);
+        applyhashfile(number, component);
         return component;
+    }
+
+    // Fills in what the component's own hash file, and with its help the image, tells.
+    void applyhashfile(int32_t number, Component& component) {
+        message(kProgress, "looking for component hash %s\n", shown(component.pcHash));
+        const auto ini = hashfile(component);
+        if (!ini) {
+            message(kProgress, "WARNING, No hash file for component %d may have unknown relocs\n", number);
+            return;
+        }
+        const int32_t section = readinisection(*ini, cRelocSection);
+        if (section < 0) {
+            message(kResult, "No relocs\n");
+            return;
+        }
+        component.ipRelocs = readrelocs(*ini, section);
+        message(kProgress, "Hashing raw component=%2d %s (%d bytes) from ROM=%d\n", number,
+                shown(component.pcName), component.iSize, rom);
+        takeextract(component, slot);
+        taketag(component, slot);
+        component.iCRC32 = crc32buf(*component.pcExtract);
+        message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
     }
 
     // Whether the range lies in the image, and the map claims no more of it than a sound one; an error line

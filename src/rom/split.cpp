@@ -3,10 +3,10 @@
 #include "base/files.h"
 #include "base/message.h"
 #include "rom/checksum.h"
+#include "rom/layout.h"
 #include "rom/map.h"
 #include "rom/store.h"
 
-#include <algorithm>
 #include <array>
 
 namespace vantorel {
@@ -49,11 +49,6 @@ std::optional<Pair> readpair(const std::string& path1, const std::string& path2)
     message(kProgress, "OK: Two files of %d bytes read, attempting merge\n",
             static_cast<int32_t>(first->bytes.size()));
     return Pair{std::move(first->bytes), std::move(second->bytes)};
-}
-
-bool isoverburnt(const Bytes& dump) {
-    const auto half = static_cast<std::ptrdiff_t>(dump.size() / 2);
-    return dump.size() % 2 == 0 && std::equal(dump.begin(), dump.begin() + half, dump.begin() + half);
 }
 
 // One way to lay the words of both dumps into an image.
@@ -106,7 +101,7 @@ Bytes merge(const Pair& dumps) {
 int loadsplitrom(const std::string& path1, const std::string& path2, int32_t rom) {
     auto dumps = readpair(path1, path2);
     if (!dumps) return 1;
-    if (isoverburnt(dumps->first) && isoverburnt(dumps->second)) {
+    if (isdoubled(dumps->first) && isdoubled(dumps->second)) {
         message(kResult, "Data is overburnt... reducing data sizes\n");
         dumps->first.resize(dumps->first.size() / 2);
         dumps->second.resize(dumps->second.size() / 2);

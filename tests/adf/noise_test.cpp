@@ -2,24 +2,14 @@
 
 #include "adf/filedata.h"
 #include "adf/loaded.h"
+#include "support/noise.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <random>
 #include <set>
 
 namespace vantorel::test {
 namespace {
-
-/// The same 32-bit numbers on every host.
-class Noise {
-public:
-    explicit Noise(uint32_t seed) : engine(seed) {}
-    uint32_t operator()() { return static_cast<uint32_t>(engine()); }
-
-private:
-    std::mt19937 engine;
-};
 
 DiskBuilder busydisk(FileSystem system) {
     DiskBuilder disk(system);

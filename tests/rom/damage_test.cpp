@@ -8,21 +8,10 @@
 #include "rom/romtag.h"
 #include "rom/romtest.h"
 #include "rom/split.h"
-
-#include <random>
+#include "support/noise.h"
 
 namespace vantorel::test {
 namespace {
-
-// The same numbers everywhere, unlike those of the standard library's distributions.
-class Random {
-public:
-    explicit Random(uint32_t seed) : engine(seed) {}
-    uint32_t operator()() { return static_cast<uint32_t>(engine()); }
-
-private:
-    std::mt19937 engine;
-};
 
 // A ROM of every kind of module that is small enough to be damaged often.
 RomBuilder smallbuilder(uint32_t base) {
@@ -132,7 +121,7 @@ TEST_F(DamageTest, AutoInitTablesToEverywhere) {
 }
 
 TEST_F(DamageTest, RandomBytes) {
-    Random random(20130502);
+    Noise random(20130502);
     for (int round = 0; round < 150; ++round) {
         Bytes image = known.image;
         const uint32_t changes = 1 + random() % 64;
@@ -145,7 +134,7 @@ TEST_F(DamageTest, RandomBytes) {
 
 // Most random changes hit code; these hit the tags.
 TEST_F(DamageTest, RandomBytesInTheTags) {
-    Random random(4711);
+    Noise random(4711);
     for (int round = 0; round < 300; ++round) {
         Bytes image = known.image;
         for (const BuiltModule& module : known.modules) {
@@ -171,7 +160,7 @@ TEST_F(DamageTest, TagsEverywhere) {
 }
 
 TEST_F(DamageTest, RandomHashFiles) {
-    Random random(31);
+    Noise random(31);
     const std::string romtext = romhash(known);
     const std::string moduletext = componenthash(known.modules[0]);
     const auto damaged = [&](std::string text) {

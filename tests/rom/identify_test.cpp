@@ -48,18 +48,22 @@ TEST_F(IdentifyTest, AnImageWithoutTagsHasOnlyTheVirtualComponentsThatPass) {
     EXPECT_EQ(slotat(0).iROMBase, 0u);
 }
 
+// A tag at 100 whose end-skip, 0xF80008, lies before it, and a good one `distance` bytes behind the first.
+Bytes badtagandsecond(uint32_t distance) {
+    Bytes tags = {0x4A, 0xFC};
+    appendlong(tags, kBase + 100);
+    appendlong(tags, kBase + 8);
+    tags.resize(distance, 0);
+    appendword(tags, 0x4AFC);
+    appendlong(tags, kBase + 100 + distance);
+    appendlong(tags, kBase + 400);
+    RomBuilder rom(4096, kBase);
+    return rom.noheader().fill(0).overwrite(100, tags).build().image;
+}
+
 TEST_F(IdentifyTest, AnEndSkipBeforeItsTagIsReportedAndTheScanResumes27BytesOn) {
     // The end-skip 0xF80008 less the base is 8; the second tag stands just 27 bytes behind the first.
-    RomBuilder rom(4096, kBase);
-    rom.noheader().fill(0);
-    Bytes tag = {0x4A, 0xFC};
-    appendlong(tag, kBase + 100);
-    appendlong(tag, kBase + 8);
-    tag.resize(27, 0);
-    Bytes second = {0x4A, 0xFC};
-    appendlong(second, kBase + 127);
-    appendlong(second, kBase + 400);
-    const std::string console = analyse(rom.overwrite(100, joined(tag, second)).build().image);
+    const std::string console = analyse(badtagandsecond(27));
     EXPECT_TRUE(has(console,
                     "ROMTAG (0x00f80000) found at 100, has and ENDSKIP (0x00000008) before the ROMTAG, "
                     "possibly bad, skipping 26 bytes\n"
@@ -69,16 +73,7 @@ TEST_F(IdentifyTest, AnEndSkipBeforeItsTagIsReportedAndTheScanResumes27BytesOn) 
 }
 
 TEST_F(IdentifyTest, ATag26BytesBehindABadOneIsNotCounted) {
-    RomBuilder rom(4096, kBase);
-    rom.noheader().fill(0);
-    Bytes tag = {0x4A, 0xFC};
-    appendlong(tag, kBase + 100);
-    appendlong(tag, kBase + 8);
-    tag.resize(26, 0);
-    Bytes second = {0x4A, 0xFC};
-    appendlong(second, kBase + 126);
-    appendlong(second, kBase + 400);
-    EXPECT_TRUE(has(analyse(rom.overwrite(100, joined(tag, second)).build().image), "There are 1 ROMTAGs\n"));
+    EXPECT_TRUE(has(analyse(badtagandsecond(26)), "There are 1 ROMTAGs\n"));
     // The map does hold both: the bad one is raised to 26 bytes, and the next search begins behind them.
     EXPECT_EQ(componentat(0, 0).iROMTag, 100);
     EXPECT_EQ(componentat(0, 1).iROMTag, 126);

@@ -37,16 +37,6 @@ void write(const std::string& path, View bytes) {
     if (!stream) throw std::runtime_error("cannot write " + path);
 }
 
-/// Takes "--name value" out of the arguments; `otherwise` when it is not there.
-std::string option(Arguments& arguments, const std::string& name, const std::string& otherwise = "") {
-    const auto found = std::ranges::find(arguments, name);
-    if (found == arguments.end()) return otherwise;
-    if (found + 1 == arguments.end()) throw UsageError(name + " needs a value");
-    std::string value = *(found + 1);
-    arguments.erase(found, found + 2);
-    return value;
-}
-
 /// Takes "--name" out of the arguments.
 bool flag(Arguments& arguments, const std::string& name) { return std::erase(arguments, name) > 0; }
 
@@ -108,7 +98,7 @@ void exchange(Arguments arguments) {
 
 void split(Arguments arguments) {
     const bool isswapped = flag(arguments, "--swapped");
-    const std::string order = option(arguments, "--order", "lohi");
+    const std::string order = takeoption(arguments, "--order", "lohi");
     requirecount(arguments, 3, 3);
     if (order != "lohi" && order != "hilo") throw UsageError("--order is lohi or hilo");
     const WordOrder plain = order == "lohi" ? WordOrder::LoHi : WordOrder::HiLo;
@@ -149,9 +139,9 @@ Range range(const std::string& text) {
 
 void describe(Arguments arguments) {
     ContainerText text;
-    text.filetype = option(arguments, "--type");
-    text.format = option(arguments, "--format");
-    text.title = option(arguments, "--title", text.title);
+    text.filetype = takeoption(arguments, "--type");
+    text.format = takeoption(arguments, "--format");
+    text.title = takeoption(arguments, "--title", text.title);
     requirecount(arguments, 2, SIZE_MAX);
     for (size_t i = 2; i < arguments.size(); ++i)
         text.ranges.push_back(range(arguments[i]));
@@ -159,8 +149,8 @@ void describe(Arguments arguments) {
 }
 
 void makecontainer(Arguments arguments) {
-    const int32_t size = fixturenumber(option(arguments, "--size", "0"));
-    const int32_t fill = fixturenumber(option(arguments, "--fill", "0"));
+    const int32_t size = fixturenumber(takeoption(arguments, "--size", "0"));
+    const int32_t fill = fixturenumber(takeoption(arguments, "--fill", "0"));
     requirecount(arguments, 2, SIZE_MAX);
     std::vector<Part> parts;
     for (size_t i = 1; i < arguments.size(); ++i) {

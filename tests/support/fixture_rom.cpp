@@ -158,21 +158,10 @@ constexpr std::array aOptions = {
     Option{"--nocomponents", false, [](Making& m, Value) { m.isnocomponents = true; }},
 };
 
-/// Takes "--name value" out, wherever it stands: the size and base come before everything else.
-std::string early(std::vector<std::string>& arguments, const std::string& name,
-                  const std::string& otherwise) {
-    const auto found = std::ranges::find(arguments, name);
-    if (found == arguments.end()) return otherwise;
-    if (found + 1 == arguments.end()) throw UsageError(name + " needs a value");
-    std::string value = *(found + 1);
-    arguments.erase(found, found + 2);
-    return value;
-}
-
 RomBuilder begin(std::vector<std::string>& arguments, bool isstandard) {
-    const int32_t size = fixturenumber(early(arguments, "--size", "512k"));
+    const int32_t size = fixturenumber(takeoption(arguments, "--size", "512k"));
     const uint32_t usual = size <= 256 * 1024 ? 0xFC0000 : 0xF80000;
-    const std::string base = early(arguments, "--base", "");
+    const std::string base = takeoption(arguments, "--base", "");
     const uint32_t address = base.empty() ? usual : number32(base);
     return isstandard ? standardbuilder(size, address) : RomBuilder(size, address);
 }
@@ -197,6 +186,16 @@ FixtureRom fixturerom(std::vector<std::string>& arguments, bool isstandard) {
     making.order.rom = making.rom.header(making.header).build();
     if (making.isnocomponents) making.order.rom.map.clear();
     return std::move(making.order);
+}
+
+std::string takeoption(std::vector<std::string>& arguments, const std::string& name,
+                       const std::string& otherwise) {
+    const auto found = std::ranges::find(arguments, name);
+    if (found == arguments.end()) return otherwise;
+    if (found + 1 == arguments.end()) throw UsageError(name + " needs a value");
+    std::string value = *(found + 1);
+    arguments.erase(found, found + 2);
+    return value;
 }
 
 int32_t fixturenumber(const std::string& text) {

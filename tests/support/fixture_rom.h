@@ -27,6 +27,11 @@ struct FixtureRom {
 /// takes the options out.
 [[nodiscard]] FixtureRom fixturerom(std::vector<std::string>& arguments, bool isstandard);
 
+/// Takes "--name value" out of the arguments, wherever it stands; `otherwise` when it is not there. Throws
+/// UsageError when the value is missing.
+[[nodiscard]] std::string takeoption(std::vector<std::string>& arguments, const std::string& name,
+                                     const std::string& otherwise = "");
+
 /// A decimal or 0x number of at most 32 bits, with k or m behind it for KiB or MiB. Throws UsageError.
 [[nodiscard]] int32_t fixturenumber(const std::string& text);
 

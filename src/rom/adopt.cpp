@@ -1,10 +1,13 @@
-#include "rom/covered.h"
+#include "rom/adopt.h"
 
 #include "base/message.h"
+#include "hash/crc32.h"
 
 #include <algorithm>
 
 namespace vantorel {
+
+namespace {
 
 void deletecovered(KickstartRom& slot, size_t number) {
     auto& components = slot.psComponents;
@@ -18,6 +21,14 @@ void deletecovered(KickstartRom& slot, size_t number) {
         message(kProgress, "Next component [%s] should be deleted\n", shown(next->pcName));
     }
     components.erase(first, last);
+}
+
+} // namespace
+
+void adoptcomponent(KickstartRom& slot, size_t number, Component found) {
+    found.iCRC32 = crc32buf(*found.pcExtract);
+    slot.psComponents[number] = std::move(found);
+    deletecovered(slot, number);
 }
 
 } // namespace vantorel
