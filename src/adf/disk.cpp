@@ -67,7 +67,7 @@ int adfsavefile(const std::string& name, const std::string& target) {
     case WriteResult::NotWritten:
         break;
     }
-    message(kResult, "ERROR: failed to write output file %s\n", target.c_str());
+    reportnotwritten(target);
     return 1;
 }
 

@@ -1,25 +1,22 @@
 #include "base/bytes.h"
 
-#include <algorithm>
-
 namespace vantorel {
 
 const std::array<uint8_t, 4>& sUINT32(uint32_t value) {
     static std::array<uint8_t, 4> bytes;
-    bytes = {static_cast<uint8_t>(value >> 24), static_cast<uint8_t>(value >> 16),
-             static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)};
+    setlong(bytes.data(), value);
     return bytes;
 }
 
 const std::array<uint8_t, 2>& sUINT16(uint32_t value) {
     static std::array<uint8_t, 2> bytes;
-    bytes = {static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)};
+    setword(bytes.data(), value);
     return bytes;
 }
 
 bool putlong(std::span<uint8_t> data, int64_t offset, uint32_t value) {
     if (!isinside(data, offset, 4)) return false;
-    std::ranges::copy(sUINT32(value), data.begin() + offset);
+    setlong(data.data() + offset, value);
     return true;
 }
 

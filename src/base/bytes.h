@@ -22,6 +22,20 @@ using View = std::span<const uint8_t>;
 /// The big-endian word in the two bytes at `p`.
 [[nodiscard]] inline uint16_t iUINT16(const uint8_t* p) { return static_cast<uint16_t>(p[0] << 8 | p[1]); }
 
+/// Stores `value` big-endian in the four bytes at `p`.
+inline void setlong(uint8_t* p, uint32_t value) {
+    p[0] = static_cast<uint8_t>(value >> 24);
+    p[1] = static_cast<uint8_t>(value >> 16);
+    p[2] = static_cast<uint8_t>(value >> 8);
+    p[3] = static_cast<uint8_t>(value);
+}
+
+/// Stores the low 16 bits of `value` big-endian in the two bytes at `p`.
+inline void setword(uint8_t* p, uint32_t value) {
+    p[0] = static_cast<uint8_t>(value >> 8);
+    p[1] = static_cast<uint8_t>(value);
+}
+
 /// `value` as four bytes, most significant first, in one buffer that the next call overwrites.
 const std::array<uint8_t, 4>& sUINT32(uint32_t value);
 

@@ -1,5 +1,7 @@
 #include "base/files.h"
 
+#include "base/message.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -54,18 +56,46 @@ int openoutput(const std::string& path, unsigned permissions) {
     return descriptor;
 }
 
-WriteResult writefile(const std::string& path, View bytes) {
-    const int descriptor = openoutput(path, 0755);
-    if (descriptor < 0) return WriteResult::NotOpened;
-    bool good = true;
+OutputFile::OutputFile(const std::string& path) : descriptor(openoutput(path, 0755)) {}
+
+OutputFile::~OutputFile() { close(); }
+
+void OutputFile::write(View bytes) {
     while (good && !bytes.empty()) {
         const ssize_t put = ::write(descriptor, bytes.data(), bytes.size());
         if (put < 0 && errno == EINTR) continue;
         good = put > 0;
         if (good) bytes = bytes.subspan(static_cast<size_t>(put));
     }
+}
+
+bool OutputFile::close() {
+    if (!isopen()) return false;
     good = ::close(descriptor) == 0 && good;
-    return good ? WriteResult::Written : WriteResult::NotWritten;
+    descriptor = -1;
+    return good;
+}
+
+WriteResult writefile(const std::string& path, View bytes) {
+    OutputFile file(path);
+    if (!file.isopen()) return WriteResult::NotOpened;
+    file.write(bytes);
+    return file.close() ? WriteResult::Written : WriteResult::NotWritten;
+}
+
+void reportnotopened(const std::string& path) {
+    message(kResult, "ERROR: failed to open output file %s\n", path.c_str());
+}
+
+void reportnotwritten(const std::string& path) {
+    message(kResult, "ERROR: failed to write output file %s\n", path.c_str());
+}
+
+int savefile(const std::string& path, View bytes) {
+    const WriteResult result = writefile(path, bytes);
+    if (result == WriteResult::NotOpened) reportnotopened(path);
+    if (result == WriteResult::NotWritten) reportnotwritten(path);
+    return result == WriteResult::Written ? 0 : 1;
 }
 
 } // namespace vantorel

@@ -53,10 +53,41 @@ inline constexpr int64_t iFileSizeMax = 0x7FFFFFFF;
 /// cannot be opened.
 [[nodiscard]] int openoutput(const std::string& path, unsigned permissions);
 
+/// A file open for writing, emptied or made with permission bits 0755 by `openoutput`, closed with the
+/// object.
+class OutputFile {
+public:
+    explicit OutputFile(const std::string& path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    [[nodiscard]] bool isopen() const { return descriptor >= 0; }
+
+    /// The descriptor, -1 when the file is not open.
+    [[nodiscard]] int number() const { return descriptor; }
+
+    /// Appends `bytes`. After a failure (a full disk) what was written so far stays and nothing more is.
+    void write(View bytes);
+
+    /// Closes the file: whether it was open and all of it was written.
+    bool close();
+
+private:
+    int descriptor = -1;
+    bool good = true;
+};
+
 enum class WriteResult { Written, NotOpened, NotWritten };
 
-/// Writes `bytes` to the file `path`, opened by `openoutput` (permission bits 0755). After `NotWritten` (a
-/// full disk) what was written so far stays.
+/// Writes `bytes` to the file `path` in one go.
 [[nodiscard]] WriteResult writefile(const std::string& path, View bytes);
+
+// The two lines that tell of an output file's failure, above level 0.
+void reportnotopened(const std::string& path);
+void reportnotwritten(const std::string& path);
+
+/// `writefile` with those lines. Returns 0; 1 when the file could not be opened or written in full.
+int savefile(const std::string& path, View bytes);
 
 } // namespace vantorel

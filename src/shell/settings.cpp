@@ -24,7 +24,7 @@ int logfile(const std::string& path) {
     std::fflush(stdout); // before the file is emptied, which may be the one in use
     const int descriptor = openoutput(path, 0666);
     if (descriptor < 0) {
-        message(kResult, "ERROR: failed to open output file %s\n", path.c_str());
+        reportnotopened(path);
         return 1;
     }
     ::dup2(descriptor, STDOUT_FILENO);
@@ -46,5 +46,7 @@ int savedir(const std::string& path) {
     cSaveDir = joinpath(path, "");
     return 0;
 }
+
+std::string savepath(const std::string& name) { return (cSaveDir + name).substr(0, iPathMax); }
 
 } // namespace vantorel

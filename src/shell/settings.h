@@ -24,4 +24,7 @@ int logfile(const std::string& path);
 /// is none.
 int savedir(const std::string& path);
 
+/// The path that a save command writes to: `cSaveDir` and `name`, cut at `iPathMax` characters.
+[[nodiscard]] std::string savepath(const std::string& name);
+
 } // namespace vantorel
