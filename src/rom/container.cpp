@@ -1,16 +1,14 @@
 #include "rom/container.h"
 
 #include "base/message.h"
+#include "hash/filerange.h"
 #include "hash/hashfile.h"
 #include "rom/header.h"
 #include "rom/layout.h"
 #include "rom/map.h"
 #include "rom/store.h"
-#include "shell/numbers.h"
 
 #include <array>
-#include <cstring>
-#include <optional>
 #include <string_view>
 
 namespace vantorel {
@@ -37,39 +35,19 @@ constexpr std::array<ContainerType, 5> cContainerTypes = {{
     {"Kickstart/Bonus", {{{"Kickstart", "KICK"}, {"Bonus", "BONUS"}}}},
 }};
 
-// A range of a container file, in bytes, as a [Components] value tells it.
-struct Range {
-    int32_t offset;
-    int32_t size;
-    const char* sizetext;
-};
-
-std::optional<Range> readrange(const char* value) {
-    const char* comma = std::strchr(value, ',');
-    if (comma == nullptr) return std::nullopt;
-    return Range{decimal(value), decimal(comma + 1), comma + 1};
-}
-
 // New slots are made for the parts behind the first.
 constexpr uint8_t cNewSlotFill = 255;
 
 void loadpart(const IniFile& ini, View data, const ContainerPart& piece, int32_t rom, bool isfirst) {
     const char* value = readiniitem(ini, cComponentsSection, piece.key);
     if (value == nullptr) return;
-    const auto range = readrange(value);
-    if (!range) {
-        message(kResult, "ERROR, %s range %s has no size\n", piece.key, value);
-        return;
-    }
+    const auto range = readrange(piece.key, value);
+    if (!range) return;
     if (piece.announcement != nullptr)
-        message(kTrace, "%s: from %d to %d [%s]\n", piece.announcement, range->offset, range->size,
+        message(kTrace, "%s: from %d to %d [%s]\n", piece.announcement, range->start, range->size,
                 range->sizetext);
-    if (!isinside(data, range->offset, range->size)) {
-        message(kResult, "ERROR, %s range %d,%d is outside the file\n", piece.key, range->offset,
-                range->size);
-        return;
-    }
-    loadromdata(isfirst ? rom : newrom(range->size, cNewSlotFill), part(data, range->offset, range->size));
+    if (!requirerange(piece.key, *range, data)) return;
+    loadromdata(isfirst ? rom : newrom(range->size, cNewSlotFill), part(data, range->start, range->size));
 }
 
 void loadparts(const IniFile& ini, View data, const ContainerType& container, int32_t rom) {

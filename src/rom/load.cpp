@@ -1,6 +1,6 @@
 #include "rom/load.h"
 
-#include "adf/disk.h"
+#include "adf/hostfile.h"
 #include "base/files.h"
 #include "base/message.h"
 #include "base/text.h"
@@ -13,21 +13,10 @@
 #include "rom/map.h"
 
 #include <optional>
-#include <string_view>
 
 namespace vantorel {
 
 namespace {
-
-constexpr std::string_view cAdfPrefix = "ADF:";
-constexpr const char* cTempFile = "TEMPFILE.bin";
-
-// The host file that `path` names, taken off the disk image first where it says so.
-std::optional<std::string> hostfile(const std::string& path) {
-    if (!path.starts_with(cAdfPrefix)) return path;
-    if (adfsavefile(path.substr(cAdfPrefix.size()), cTempFile) != 0) return std::nullopt;
-    return cTempFile;
-}
 
 std::optional<Bytes> readwhole(const std::string& path) {
     const auto host = hostfile(path);
