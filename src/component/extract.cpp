@@ -12,16 +12,17 @@ bool fitsimage(const KickstartRom& slot, const Component& component) {
     return isinside(slot.pcROM, component.iStart, component.iSize);
 }
 
-namespace {
+bool requirefit(const KickstartRom& slot, int32_t component) {
+    const bool fits = fitsimage(slot, slot.psComponents[static_cast<size_t>(component)]);
+    if (!fits) message(kResult, "ERROR: Component %d does not lie in its image\n", component);
+    return fits;
+}
 
-// Whether the long at `reloc` lies inside `size` bytes; an error line when it does not.
 bool requireinside(int32_t reloc, int64_t size) {
     const bool inside = reloc >= 0 && int64_t{reloc} + 4 <= size;
     if (!inside) message(kResult, "ERROR: Reloc %d is outside its component\n", reloc);
     return inside;
 }
-
-} // namespace
 
 void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size) {
     std::erase_if(relocs, [size](int32_t reloc) { return !requireinside(reloc, size); });
@@ -43,21 +44,35 @@ Bytes extractof(const KickstartRom& slot, const Component& component) {
     return extract;
 }
 
+void patchrelocs(KickstartRom& slot, int32_t component) {
+    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    const uint32_t address = runaddress(slot, record);
+    const bool istraced = isshown(kTrace);
+    for (const int32_t reloc : record.ipRelocs) {
+        if (!requireinside(reloc, record.iSize)) continue;
+        const uint32_t value = iUINT32(record.pcExtract->data() + reloc) + address;
+        if (istraced) {
+            message(kTrace, "Patching %d position:%d\n", component, reloc);
+            message(kTrace, "Reloc %d=%d (%08x)\n", component, reloc, value);
+        }
+        setlong(slot.pcROM.data() + record.iStart + reloc, value);
+    }
+}
+
 int createextract(int32_t rom, int32_t component) {
     KickstartRom* slot = requireslot(rom);
     if (slot == nullptr) return 1;
-    if (component < 0 || component >= slot->iComponents()) {
-        message(kResult, "ERROR: No such component\n");
-        return 1;
-    }
-    Component& record = slot->psComponents[static_cast<size_t>(component)];
-    if (!fitsimage(*slot, record)) {
-        message(kResult, "ERROR: Component %d does not lie in its image\n", component);
-        return 1;
-    }
-    message(kTrace, "There are %d relocs\n", record.iRelocs());
-    record.pcExtract = extractof(*slot, record);
+    Component* record = requirecomponent(*slot, component);
+    if (record == nullptr || !requirefit(*slot, component)) return 1;
+    message(kTrace, "There are %d relocs\n", record->iRelocs());
+    record->pcExtract = extractof(*slot, *record);
     return 0;
+}
+
+bool requireextract(int32_t rom, int32_t component) {
+    const Component& record = *findrecord(rom, component);
+    const bool iswhole = record.pcExtract && std::ssize(*record.pcExtract) >= record.iSize;
+    return iswhole || createextract(rom, component) == 0;
 }
 
 } // namespace vantorel

@@ -17,6 +17,12 @@ namespace vantorel {
 /// Whether the bytes of `component` lie inside the image of `slot`.
 [[nodiscard]] bool fitsimage(const KickstartRom& slot, const Component& component);
 
+/// The same of component `component` of `slot`, which exists, with an error line when it does not.
+[[nodiscard]] bool requirefit(const KickstartRom& slot, int32_t component);
+
+/// Whether the long at `reloc`, a component offset, lies inside `size` bytes; an error line when it does not.
+[[nodiscard]] bool requireinside(int32_t reloc, int64_t size);
+
 /// Takes out of `relocs` (component offsets in bytes) each one whose long does not lie inside a component of
 /// `size` bytes, with an error line each.
 void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size);
@@ -29,9 +35,18 @@ void makerelative(Bytes& bytes, std::span<const int32_t> relocs, uint32_t addres
 /// its first byte; relocs outside it are left out with an error line each.
 [[nodiscard]] Bytes extractof(const KickstartRom& slot, const Component& component);
 
+/// Writes the relocated longs of component `component` of `slot`, which lies in its image, from its extract:
+/// the long there plus the component's run address. Nothing else of the image changes. Relocs outside the
+/// component are left out with an error line each.
+void patchrelocs(KickstartRom& slot, int32_t component);
+
 /// (Re)builds the extract of component `component` of slot `rom` from the image and the component's relocs,
 /// of which those outside the component are dropped with an error line each. Returns 0; 1 with an error line,
 /// the extract as it was, when slot or component do not exist or the component does not lie in its image.
 int createextract(int32_t rom, int32_t component);
+
+/// Builds the extract of component `component` of slot `rom`, which both exist, when it has none or one of
+/// fewer than `iSize` bytes. False, and an error line, when it does not lie in its image.
+bool requireextract(int32_t rom, int32_t component);
 
 } // namespace vantorel

@@ -1,57 +1,53 @@
 #include "component/hunk.h"
 
-#include <algorithm>
+#include <array>
 
 namespace vantorel {
 
 namespace {
 
-void appendheader(Bytes& file, const Component& component) {
-    const uint32_t longs = static_cast<uint32_t>(component.iSize) / 4;
-    appendlong(file, Hunk::iHeader);
-    appendlong(file, 0); // no resident library names
-    appendlong(file, 1); // one hunk in the table,
-    appendlong(file, 0); // the first
-    appendlong(file, 0); // and the last
-    appendlong(file, longs);
-    appendlong(file, component.pcType == cTypeLibrary ? Hunk::iCode : Hunk::iData);
-    appendlong(file, longs);
-}
+struct HunkName {
+    uint32_t id;
+    const char* name;
+};
 
-// One group of relocs against hunk 0 and the end of groups, each value appended by `append`.
-void appendrelocs(Bytes& file, const std::vector<int32_t>& relocs, void (*append)(Bytes&, uint32_t)) {
-    append(file, static_cast<uint32_t>(relocs.size()));
-    append(file, 0); // the target hunk
-    for (const int32_t reloc : relocs)
-        append(file, static_cast<uint32_t>(reloc));
-    append(file, 0); // no further group
-}
-
-void appendrelocblock(Bytes& file, const Component& component) {
-    if (component.iSize < iShortRelocLimit) {
-        appendlong(file, Hunk::iDrel32);
-        appendrelocs(file, component.ipRelocs, appendword);
-    } else {
-        appendlong(file, Hunk::iReloc32);
-        appendrelocs(file, component.ipRelocs, appendlong);
-    }
-    if ((file.size() & 2) != 0) appendword(file, 0);
-}
+// The last row names every other id.
+constexpr std::array<HunkName, 26> aHunks = {{
+    {Hunk::iUnit, "HUNK_UNIT"},
+    {Hunk::iName, "HUNK_NAME"},
+    {Hunk::iCode, "HUNK_CODE"},
+    {Hunk::iData, "HUNK_DATA"},
+    {Hunk::iBss, "HUNK_BSS"},
+    {Hunk::iReloc32, "HUNK_RELOC32"},
+    {Hunk::iReloc16, "HUNK_RELOC16"},
+    {Hunk::iReloc8, "HUNK_RELOC8"},
+    {Hunk::iExt, "HUNK_EXT"},
+    {Hunk::iSymbol, "HUNK_SYMBOL"},
+    {Hunk::iDebug, "HUNK_DEBUG"},
+    {Hunk::iEnd, "HUNK_END"},
+    {Hunk::iHeader, "HUNK_HEADER"},
+    {Hunk::iOverlay, "HUNK_OVERLAY"},
+    {Hunk::iBreak, "HUNK_BREAK"},
+    {Hunk::iDrel32, "HUNK_DREL32"},
+    {Hunk::iDrel16, "HUNK_DREL16"},
+    {Hunk::iDrel8, "HUNK_DREL8"},
+    {Hunk::iLib, "HUNK_LIB"},
+    {Hunk::iIndex, "HUNK_INDEX"},
+    {Hunk::iReloc32Short, "HUNK_RELOC32SHORT"},
+    {Hunk::iRelReloc32, "HUNK_RELRELOC32"},
+    {Hunk::iAbsReloc16, "HUNK_ABSRELOC16"},
+    {Hunk::iPpcCode, "EXTENDED HUNK_PPC_CODE"},
+    {Hunk::iRelReloc26, "EXTENDED HUNK_RELRELOC26"},
+    {0, "UNKNOWN HUNK"},
+}};
 
 } // namespace
 
-Bytes loadablelibraryform(const Component& component) {
-    Bytes file;
-    appendheader(file, component);
-    if (component.pcExtract) {
-        const auto length =
-            std::min(component.pcExtract->size(), static_cast<size_t>(std::max(component.iSize, 0)));
-        file.insert(file.end(), component.pcExtract->begin(),
-                    component.pcExtract->begin() + static_cast<std::ptrdiff_t>(length));
-    }
-    if (!component.ipRelocs.empty()) appendrelocblock(file, component);
-    appendlong(file, Hunk::iEnd);
-    return file;
+const char* cHunkType(uint32_t id) {
+    const HunkName* row = aHunks.data();
+    while (row->id != id && row->id != 0)
+        ++row;
+    return row->name;
 }
 
 } // namespace vantorel

@@ -1,30 +1,41 @@
 #pragma once
-// Amiga hunk (load) files, as "The AmigaDOS Manual" (Bantam, 1986) describes them, chapter "Amiga Binary File
-// Structure".
-
-#include "base/bytes.h"
-#include "rom/store.h"
+// The blocks of Amiga hunk (load) files, as "The AmigaDOS Manual" (Bantam, 1986) describes them, chapter
+// "Amiga Binary File Structure". Everything in them is big-endian; sizes and counts are in longs.
 
 #include <cstdint>
 
 namespace vantorel {
 
-/// The ids of the hunks that the loadable library form is made of, longs.
+/// The ids that begin a block, longs.
 namespace Hunk {
+inline constexpr uint32_t iUnit = 999;
+inline constexpr uint32_t iName = 1000;
 inline constexpr uint32_t iCode = 1001;
 inline constexpr uint32_t iData = 1002;
+inline constexpr uint32_t iBss = 1003;
 inline constexpr uint32_t iReloc32 = 1004;
+inline constexpr uint32_t iReloc16 = 1005;
+inline constexpr uint32_t iReloc8 = 1006;
+inline constexpr uint32_t iExt = 1007;
+inline constexpr uint32_t iSymbol = 1008;
+inline constexpr uint32_t iDebug = 1009;
 inline constexpr uint32_t iEnd = 1010;
 inline constexpr uint32_t iHeader = 1011;
+inline constexpr uint32_t iOverlay = 1013;
+inline constexpr uint32_t iBreak = 1014;
 inline constexpr uint32_t iDrel32 = 1015;
+inline constexpr uint32_t iDrel16 = 1016;
+inline constexpr uint32_t iDrel8 = 1017;
+inline constexpr uint32_t iLib = 1018;
+inline constexpr uint32_t iIndex = 1019;
+inline constexpr uint32_t iReloc32Short = 1020;
+inline constexpr uint32_t iRelReloc32 = 1021;
+inline constexpr uint32_t iAbsReloc16 = 1022;
+inline constexpr uint32_t iPpcCode = 1257;
+inline constexpr uint32_t iRelReloc26 = 1260;
 } // namespace Hunk
 
-/// Components below this size in bytes have their relocs written as words (HUNK_DREL32), others as longs.
-inline constexpr int32_t iShortRelocLimit = 65536;
-
-/// The loadable library form of a component: a hunk file of one hunk that holds the extract and its relocs.
-/// Its CRC32 is the identity of the component. HUNK_CODE for the type "Library", else HUNK_DATA; the extract
-/// is used up to `iSize`, and the counts are `iSize` / 4.
-[[nodiscard]] Bytes loadablelibraryform(const Component& component);
+/// The name of a block id; "UNKNOWN HUNK" for any that is not listed above.
+[[nodiscard]] const char* cHunkType(uint32_t id);
 
 } // namespace vantorel

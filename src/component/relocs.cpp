@@ -1,5 +1,7 @@
 #include "component/relocs.h"
 
+#include "base/message.h"
+#include "hash/library.h"
 #include "shell/numbers.h"
 
 #include <cstring>
@@ -12,6 +14,19 @@ std::vector<int32_t> relocsofsection(const IniFile& ini, int32_t section) {
         const char* line = ini.line(ini.firstline(section) + item);
         if (std::strlen(line) > cRelocKey.size()) relocs.push_back(decimal(line + cRelocKey.size()));
     }
+    return relocs;
+}
+
+std::vector<int32_t> loadrelocs(const char* name) {
+    const auto ini = loadinifile(findhashfile(name));
+    const int32_t section = ini ? readinisection(*ini, cRelocSection) : -1;
+    if (section < 0) return {};
+    message(kTrace, "Loading relocs\n");
+    message(kTrace, "Section size=%d\n", ini->items(section));
+    auto relocs = relocsofsection(*ini, section);
+    message(kRaw, "Allocating %d ints\n", static_cast<int32_t>(relocs.size()));
+    for (size_t i = 0; i < relocs.size(); ++i)
+        message(kTrace, "RELOC #%d position %d", static_cast<int32_t>(i), relocs[i]);
     return relocs;
 }
 

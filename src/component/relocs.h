@@ -17,4 +17,8 @@ inline constexpr std::string_view cRelocKey = "RELOC=";
 /// first six characters of each line. A line too short to hold one is passed over.
 [[nodiscard]] std::vector<int32_t> relocsofsection(const IniFile& ini, int32_t section);
 
+/// The relocs that the hash file found for the hash name `name` lists, in its order; none without such a
+/// file.
+[[nodiscard]] std::vector<int32_t> loadrelocs(const char* name);
+
 } // namespace vantorel

@@ -2,7 +2,7 @@
 
 #include "base/message.h"
 #include "component/extract.h"
-#include "component/hunk.h"
+#include "component/loadable.h"
 #include "component/relocs.h"
 #include "hash/crc32.h"
 #include "hash/hashfile.h"

@@ -19,6 +19,26 @@ KickstartRom* requireslot(int32_t rom) {
     return slot;
 }
 
+namespace {
+
+Component* recordof(KickstartRom& slot, int32_t component) {
+    if (component < 0 || component >= slot.iComponents()) return nullptr;
+    return &slot.psComponents[static_cast<size_t>(component)];
+}
+
+} // namespace
+
+Component* findrecord(int32_t rom, int32_t component) {
+    KickstartRom* slot = findslot(rom);
+    return slot != nullptr ? recordof(*slot, component) : nullptr;
+}
+
+Component* requirecomponent(KickstartRom& slot, int32_t component) {
+    if (Component* record = recordof(slot, component)) return record;
+    message(kResult, "ERROR: No such component\n");
+    return nullptr;
+}
+
 int32_t newrom(int32_t size, uint8_t fill) {
     if (iMaxRom == iRomSlots) {
         message(kResult, "Sorry, 20 ROMs maximum\n");
@@ -31,6 +51,10 @@ int32_t newrom(int32_t size, uint8_t fill) {
     slot.cFill = fill;
     psKickstartRoms[static_cast<size_t>(iMaxRom)] = std::move(slot);
     return iMaxRom++;
+}
+
+std::string identityname(const KickstartRom& slot) {
+    return formatted("0x%08x.%s", slot.iCRC32, shown(slot.pcTitle));
 }
 
 int romname(int32_t rom, const std::string& text) {

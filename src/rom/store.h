@@ -78,9 +78,18 @@ extern int32_t iCurrentROM;
 /// The slot `rom`, or null with "ERROR, No current ROM".
 [[nodiscard]] KickstartRom* requireslot(int32_t rom);
 
+/// The record of component `component` of slot `rom`, or null when there is none. Silent.
+[[nodiscard]] Component* findrecord(int32_t rom, int32_t component);
+
+/// The record of component `component` of `slot`, or null with "ERROR: No such component".
+[[nodiscard]] Component* requirecomponent(KickstartRom& slot, int32_t component);
+
 /// Makes an empty ROM of `size` bytes (0 or more), each holding `fill`, in the next slot.
 /// Returns the slot, or -1 with a message when all are used. `iCurrentROM` is left alone.
 int32_t newrom(int32_t size, uint8_t fill);
+
+/// The name of a file that holds the image of `slot` or tells of it: "0x", its CRC32, "." and its title.
+[[nodiscard]] std::string identityname(const KickstartRom& slot);
 
 /// Titles slot `rom` and says so. Returns 0; 1 when there is no such slot.
 int romname(int32_t rom, const std::string& text);

@@ -1,6 +1,6 @@
 // The loadable library form, long by long.
 
-#include "component/hunk.h"
+#include "component/loadable.h"
 #include "rom/romtest.h"
 
 namespace vantorel::test {

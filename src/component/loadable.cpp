@@ -1,0 +1,146 @@
+#include "component/loadable.h"
+
+#include "base/message.h"
+#include "component/extract.h"
+#include "component/hunk.h"
+#include "hash/crc32.h"
+
+#include <algorithm>
+#include <span>
+
+namespace vantorel {
+
+namespace {
+
+// Fills a file of known size from its start.
+class FileFiller {
+public:
+    explicit FileFiller(size_t size) : file(size) {}
+
+    void addlong(uint32_t value) { setlong(take(4), value); }
+    void addword(uint32_t value) { setword(take(2), value); }
+    void addbytes(View bytes) { std::ranges::copy(bytes, take(bytes.size())); }
+
+    [[nodiscard]] size_t length() const { return used; }
+    [[nodiscard]] Bytes finished() { return std::move(file); }
+
+private:
+    uint8_t* take(size_t size) {
+        used += size;
+        return file.data() + used - size;
+    }
+
+    Bytes file;
+    size_t used = 0;
+};
+
+constexpr size_t iHeaderLength = 32;
+
+// A group of HUNK_DREL32 counts its relocs in a word.
+constexpr size_t iShortGroupMost = 65535;
+
+size_t shortgroups(const Component& component) {
+    return (component.ipRelocs.size() + iShortGroupMost - 1) / iShortGroupMost;
+}
+
+// Bytes of the block, with what rounds the file up to whole longs.
+size_t blocklength(const Component& component, size_t before) {
+    const size_t relocs = component.ipRelocs.size();
+    if (relocs == 0) return 0;
+    const size_t length = component.iSize < iShortRelocLimit
+                              ? 4 + 2 * (relocs + 2 * shortgroups(component) + 1)
+                              : 4 * (1 + relocs + 2 + 1);
+    return length + ((before + length) & 2);
+}
+
+void addheader(FileFiller& file, const Component& component) {
+    const uint32_t longs = static_cast<uint32_t>(component.iSize) / 4;
+    file.addlong(Hunk::iHeader);
+    file.addlong(0); // no resident library names
+    file.addlong(1); // one hunk in the table,
+    file.addlong(0); // the first
+    file.addlong(0); // and the last
+    file.addlong(longs);
+    file.addlong(component.pcType == cTypeLibrary ? Hunk::iCode : Hunk::iData);
+    file.addlong(longs);
+}
+
+void addshortrelocs(FileFiller& file, std::span<const int32_t> relocs) {
+    file.addlong(Hunk::iDrel32);
+    while (!relocs.empty()) {
+        const auto group = relocs.first(std::min(relocs.size(), iShortGroupMost));
+        file.addword(static_cast<uint32_t>(group.size()));
+        file.addword(0); // the target hunk
+        for (const int32_t reloc : group)
+            file.addword(static_cast<uint32_t>(reloc));
+        relocs = relocs.subspan(group.size());
+    }
+    file.addword(0); // no further group
+}
+
+void addlongrelocs(FileFiller& file, std::span<const int32_t> relocs) {
+    file.addlong(Hunk::iReloc32);
+    file.addlong(static_cast<uint32_t>(relocs.size()));
+    file.addlong(0); // the target hunk
+    for (const int32_t reloc : relocs)
+        file.addlong(static_cast<uint32_t>(reloc));
+    file.addlong(0); // no further group
+}
+
+void addrelocblock(FileFiller& file, const Component& component) {
+    if (component.ipRelocs.empty()) return;
+    if (component.iSize < iShortRelocLimit)
+        addshortrelocs(file, component.ipRelocs);
+    else
+        addlongrelocs(file, component.ipRelocs);
+    if ((file.length() & 2) != 0) file.addword(0);
+}
+
+} // namespace
+
+bool haslibraryform(const Component& component) {
+    return component.pcType == cTypeLibrary || component.pcType == cTypeData;
+}
+
+Bytes loadablelibraryform(const Component& component) {
+    View extract;
+    if (component.pcExtract) extract = *component.pcExtract;
+    extract = extract.first(std::min(extract.size(), static_cast<size_t>(std::max(component.iSize, 0))));
+    const size_t before = iHeaderLength + extract.size();
+    FileFiller file(before + blocklength(component, before) + 4);
+    addheader(file, component);
+    file.addbytes(extract);
+    addrelocblock(file, component);
+    file.addlong(Hunk::iEnd);
+    return file.finished();
+}
+
+bool readyforfile(int32_t rom, int32_t component) {
+    if (!requirefit(*findslot(rom), component)) return false;
+    return !haslibraryform(*findrecord(rom, component)) || requireextract(rom, component);
+}
+
+Bytes componentfile(const KickstartRom& slot, const Component& component) {
+    if (haslibraryform(component)) return loadablelibraryform(component);
+    message(kProgress, "Saving RAW %d bytes\n", component.iSize);
+    const View bytes = part(slot.pcROM, component.iStart, component.iSize);
+    return {bytes.begin(), bytes.end()};
+}
+
+int32_t loadedlib2loadablelib(int32_t rom, int32_t component, Bytes& buffer, uint32_t& crc) {
+    if (rom < 0 || rom > iMaxRom) {
+        message(kResult, "ROM out of range\n");
+        return 0;
+    }
+    const Component* record = findrecord(rom, component);
+    if (record == nullptr) {
+        message(kResult, "Component out of range\n");
+        return 0;
+    }
+    if (!readyforfile(rom, component)) return 0;
+    buffer = componentfile(*findslot(rom), *record);
+    if (haslibraryform(*record)) crc = crc32buf(buffer);
+    return static_cast<int32_t>(buffer.size());
+}
+
+} // namespace vantorel

@@ -1,0 +1,157 @@
+#include "component/loadcomponent.h"
+
+#include "audit/basename.h"
+#include "base/files.h"
+#include "base/message.h"
+#include "component/extract.h"
+#include "component/hunkreader.h"
+#include "component/relocs.h"
+#include "hash/crc32.h"
+#include "hash/filerange.h"
+#include "hash/hashfile.h"
+#include "hash/ini.h"
+#include "hash/library.h"
+#include "shell/numbers.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+namespace vantorel {
+
+namespace {
+
+// A file that holds components, and what its hash file tells of it.
+struct SourceFile {
+    const std::string& path;
+    View data;
+    std::string hashpath;
+    IniFile ini;
+};
+
+int loadwhole(const std::string& path, View data, Component& component) {
+    component.pcName = mBasename(path.c_str());
+    component.pcHash = component.pcName;
+    return librarybuffertocomponent(data, 0, static_cast<int32_t>(data.size()), component);
+}
+
+void relocatetozero(Component& component, uint32_t address) {
+    for (int32_t i = 0; i < component.iRelocs(); ++i) {
+        const int32_t& reloc = component.ipRelocs[static_cast<size_t>(i)];
+        makerelative(*component.pcExtract, {&reloc, 1}, address);
+        message(kTrace, "Patching reloc#%d offset=%d ", i, reloc);
+        message(kTrace, "[%d]\n", static_cast<int32_t>(*longat(*component.pcExtract, reloc)));
+    }
+}
+
+// The third field of "start,size,type:hash"; empty when there is none.
+const char* thirdfield(const FileRange& range) {
+    const char* comma = std::strchr(range.sizetext, ',');
+    return comma != nullptr ? comma + 1 : "";
+}
+
+// A library out of a ROM file, whose absolute addresses count from the base that its hash file tells.
+int extractfromrom(const SourceFile& source, const std::string& name, Component& component) {
+    message(kProgress, "Extracting %s from %s using %s\n", name.c_str(), source.path.c_str(),
+            source.hashpath.c_str());
+    const char* base = readiniitem(source.ini, cDescriptionSection, "ROMBase");
+    if (base == nullptr) {
+        message(kResult, "Unable to find ROMBASE in hash file\n");
+        return 1;
+    }
+    const uint32_t rombase = Hex2iUINT32(base + std::min<size_t>(2, std::strlen(base)));
+    message(kProgress, "ROMBase of source ROM=%d\n", static_cast<int32_t>(rombase));
+    const char* value = readiniitem(source.ini, cComponentsSection, name.c_str());
+    if (value == nullptr) {
+        message(kResult, "Unable to find component in hash file\n");
+        return 1;
+    }
+    const auto range = readrange(name.c_str(), value);
+    if (!range) return 1;
+    constexpr std::string_view librarytype = "Library:";
+    const std::string_view field = thirdfield(*range);
+    if (!field.starts_with(librarytype)) {
+        message(kResult, "ERROR: Can only add a library from another kickstart\n");
+        return 1;
+    }
+    if (!requirerange(name.c_str(), *range, source.data)) return 1;
+    const View bytes = part(source.data, range->start, range->size);
+    component.pcType = cTypeLibrary;
+    component.pcExtract.emplace(bytes.begin(), bytes.end());
+    component.iSize = range->size;
+    component.pcName = name;
+    component.pcHash = field.substr(librarytype.size());
+    component.ipRelocs = loadrelocs(component.pcHash->c_str());
+    droprelocsoutside(component.ipRelocs, component.iSize);
+    relocatetozero(component, rombase + static_cast<uint32_t>(range->start));
+    return 0;
+}
+
+// A member is read with its place in the archive as the offset of raw data, so what is no hunk file is
+// taken from that far behind the member's start: archives rely on it.
+int extractfromarchive(const SourceFile& source, const std::string& name, Component& component) {
+    const char* value = readiniitem(source.ini, cComponentsSection, name.c_str());
+    if (value == nullptr) {
+        message(kResult, "ERROR: Unable to find component specified (%s) in hash file %s\n", name.c_str(),
+                source.hashpath.c_str());
+        return 1;
+    }
+    message(kProgress, "Component found -> %s\n", value);
+    const auto range = readrange(name.c_str(), value);
+    if (!range) return 1;
+    message(kProgress, "Extracting %d bytes from position %d\n", range->size, range->start);
+    if (!requirerange(name.c_str(), *range, source.data)) return 1;
+    component.pcName = name;
+    component.pcHash = name;
+    return librarybuffertocomponent(source.data.subspan(static_cast<size_t>(range->start)), range->start,
+                                    range->size, component);
+}
+
+int extractbytype(const SourceFile& source, const std::string& name, Component& component) {
+    const char* type = readiniitem(source.ini, cDescriptionSection, "FileType");
+    if (type == nullptr) {
+        message(kResult, "ERROR: Component specified, but hash file %s doesn't contain FileType=\n",
+                source.hashpath.c_str());
+        return 1;
+    }
+    message(kProgress, "Hash file indicates FileType %s\n", type);
+    const std::string_view kind = type;
+    if (kind.starts_with("Kickstart") || kind.starts_with("Extended"))
+        return extractfromrom(source, name, component);
+    if (kind.starts_with("Library Archive")) return extractfromarchive(source, name, component);
+    message(kResult, "ERROR: Component specified, but unknown FileType in hash file %s\n",
+            source.hashpath.c_str());
+    return 1;
+}
+
+int loadmember(const std::string& path, View data, const std::string& name, Component& component) {
+    const std::string hash = formatted("0x%08x", crc32buf(data));
+    std::string hashpath = findhashfile(hash.c_str());
+    message(kProgress, "Looking for hash %s found %s\n", hash.c_str(), hashpath.c_str());
+    if (hashpath.empty()) {
+        message(kResult, "ERROR: Component specified, but can't find hash %s for file %s\n", hash.c_str(),
+                path.c_str());
+        return 1;
+    }
+    auto ini = loadinifile(hashpath);
+    if (!ini) {
+        message(kResult, "ERROR: Unable to open INI file %s\n", hashpath.c_str());
+        return 1;
+    }
+    return extractbytype({path, data, std::move(hashpath), std::move(*ini)}, name, component);
+}
+
+} // namespace
+
+int loadcomponent(const std::string& path, const std::string& name, Component& component) {
+    const auto file = readfile(path);
+    if (!file || !file->iscomplete()) {
+        message(kResult, "ERROR: Unable to open file %s\n", path.c_str());
+        return 1;
+    }
+    if (name.empty()) return loadwhole(path, file->bytes, component);
+    return loadmember(path, file->bytes, name, component);
+}
+
+} // namespace vantorel

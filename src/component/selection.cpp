@@ -1,0 +1,23 @@
+#include "component/selection.h"
+
+#include "base/message.h"
+#include "rom/store.h"
+
+namespace vantorel {
+
+std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component) {
+    if (rom < 0 || rom > iMaxRom) {
+        message(kResult, "ROM out of range\n");
+        return std::nullopt;
+    }
+    std::vector<int32_t> numbers;
+    if (component >= 0) {
+        numbers.push_back(component);
+    } else if (const KickstartRom* slot = findslot(rom)) {
+        for (int32_t number = 0; number < slot->iComponents(); ++number)
+            if (!slot->psComponents[static_cast<size_t>(number)].isblank()) numbers.push_back(number);
+    }
+    return numbers;
+}
+
+} // namespace vantorel

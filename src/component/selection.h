@@ -1,0 +1,18 @@
+#pragma once
+// Which components of a ROM a command means.
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace vantorel {
+
+/// Means every component where a component number is asked for.
+inline constexpr int32_t iEveryComponent = -1;
+
+/// The numbers that `component` stands for in slot `rom`: itself, whether there is such a component or not;
+/// or when negative all but the blank ones. A slot equal to `iMaxRom` counts as a ROM without components;
+/// none, with "ROM out of range", of any other that does not exist.
+[[nodiscard]] std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component);
+
+} // namespace vantorel
