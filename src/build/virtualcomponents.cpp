@@ -1,0 +1,144 @@
+#include "build/virtualcomponents.h"
+
+#include "base/message.h"
+#include "component/placement.h"
+#include "rom/checksum.h"
+#include "rom/header.h"
+#include "rom/store.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vantorel {
+
+namespace {
+
+KickstartRom* requirebuildable(int32_t rom) {
+    KickstartRom* slot = findslot(rom);
+    if (slot == nullptr) message(kResult, "ERROR, invalid ROM\n");
+    return slot;
+}
+
+// The component's record; the bytes it stands for are written apart.
+Component& append(KickstartRom& slot, const char* name, const char* type, int32_t start, int32_t size) {
+    Component& component = slot.psComponents.emplace_back();
+    component.pcName = name;
+    component.pcType = type;
+    component.iStart = component.iFixedStart = start;
+    component.iSize = size;
+    component.iFixedEnd = slot.iUsed = start + size;
+    return component;
+}
+
+uint8_t* bytesof(KickstartRom& slot, const Component& component) {
+    return slot.pcROM.data() + component.iStart;
+}
+
+// The eight bytes: the first word of a 256K Kickstart, and a jump to the second word of the lower half.
+constexpr int32_t iSplitSize = 8;
+constexpr uint32_t iSplitFirst = 0x11114EF9;
+constexpr uint32_t iSplitTarget = 0x00F80002;
+
+constexpr std::array<uint16_t, 8> iVectors = {0x0018, 0x0019, 0x001A, 0x001B, 0x001C, 0x001D, 0x001E, 0x001F};
+
+} // namespace
+
+int addkickitysplit(int32_t rom) {
+    KickstartRom* slot = requirebuildable(rom);
+    if (slot == nullptr) return 1;
+    if (slot->iUsed > iSize256K || slot->iSize() <= iSize256K + iSplitSize) {
+        message(kResult, "ERROR, no room for kickity-split\n");
+        return 1;
+    }
+    Component& split = append(*slot, "kickity-split", cTypeKickitySplit, iSize256K, iSplitSize);
+    split.pcHash = "0x11114EF900F80002";
+    setlong(bytesof(*slot, split), iSplitFirst);
+    setlong(bytesof(*slot, split) + 4, iSplitTarget);
+    return 0;
+}
+
+int addchecksum(int32_t rom) {
+    KickstartRom* slot = requirebuildable(rom);
+    if (slot == nullptr) return 1;
+    const int32_t start = slot->iSize() - iChecksumFromEnd;
+    if (slot->iUsed > start) {
+        message(kResult, "ERROR, no room for Checksum\n");
+        return 1;
+    }
+    Component& sum = append(*slot, "Checksum", cTypeChecksum, start, 4);
+    const uint32_t value = cChecksum(rom);
+    message(kProgress, "Checksum calculated as %08x, use \"checksum\" to update if you change the rom\n",
+            value);
+    sum.pcHash = formatted("0x%08x", value);
+    setlong(bytesof(*slot, sum), value);
+    return 0;
+}
+
+int addsize(int32_t rom) {
+    KickstartRom* slot = requirebuildable(rom);
+    if (slot == nullptr) return 1;
+    const int32_t start = slot->iSize() - iSizeFromEnd;
+    if (slot->iUsed > start) {
+        message(kResult, "ERROR, no room for Size\n");
+        return 1;
+    }
+    Component& size = append(*slot, "Size", cTypeSize, start, 4);
+    const auto value = static_cast<uint32_t>(slot->iSize());
+    size.pcHash = formatted("0x%08x", value);
+    setlong(bytesof(*slot, size), value);
+    return 0;
+}
+
+int addvectors(int32_t rom) {
+    KickstartRom* slot = requirebuildable(rom);
+    if (slot == nullptr) return 1;
+    const int32_t start = slot->iSize() - iVectorsFromEnd;
+    if (slot->iUsed > start) {
+        message(kResult, "ERROR, no room for Vectors Used=%d\n", slot->iUsed);
+        return 1;
+    }
+    Component& vectors = append(*slot, "Vectors", cTypeVectors, start, iVectorsFromEnd);
+    vectors.pcHash = "0x00180019001a001b001c001d001e001f";
+    uint8_t* place = bytesof(*slot, vectors);
+    for (const uint16_t vector : iVectors) {
+        setword(place, vector);
+        place += 2;
+    }
+    return 0;
+}
+
+int addunallocated(int32_t rom, int32_t bytes, int8_t fill) {
+    const KickstartRom* slot = requirebuildable(rom);
+    if (slot == nullptr) return -1;
+    Component block;
+    block.pcName = "Unallocated";
+    block.pcHash = "Unallocated";
+    block.pcType = cTypeData;
+    block.iStart = -1;
+    block.iSize = bytes;
+    // What is larger than the whole image needs no bytes to be refused.
+    if (bytes <= slot->iSize())
+        block.pcExtract.emplace(static_cast<size_t>(bytes), static_cast<uint8_t>(fill));
+    return addcomponent(rom, block);
+}
+
+int checksum(int32_t rom) {
+    KickstartRom* slot = findslot(rom);
+    if (slot == nullptr) {
+        message(kResult, "Invalid ROM\n");
+        return 1;
+    }
+    const auto found = std::ranges::find_if(
+        slot->psComponents, [](const Component& component) { return component.pcType == cTypeChecksum; });
+    if (found == slot->psComponents.end()) {
+        message(kResult, "Error: No checksum component\n");
+        return 1;
+    }
+    const uint32_t value = cChecksum(rom);
+    if (putlong(slot->pcROM, found->iStart, value)) return 0;
+    message(kResult, "ERROR: Component %d does not lie in its image\n",
+            static_cast<int32_t>(found - slot->psComponents.begin()));
+    return 1;
+}
+
+} // namespace vantorel
