@@ -2,6 +2,7 @@
 
 #include "adf/directory.h"
 #include "base/message.h"
+#include "output/profile.h"
 #include "shell/reset.h"
 #include "shell/settings.h"
 #include "support/capture.h"
@@ -14,6 +15,8 @@ void freshstate() {
     // What outlives even a reset.
     psFiles.clear();
     cSaveDir.clear();
+    isROMType = RomType::iUnset;
+    isProfileROM = {-1, -1, -1, -1};
     iDiotMode = 0;
     iLogLevel = 1;
 }
