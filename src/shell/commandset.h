@@ -22,6 +22,7 @@ void adflist();
 void adfsavefile();
 
 // ROMs
+void rombase();
 void romname();
 void newrom();
 void loadrom();
@@ -29,5 +30,24 @@ void analyserom();
 void modules();
 void rom();
 void roms();
+
+// Bytes of a ROM
+void find();
+void patch();
+
+// The components of a ROM
+void editcomponent();
+void checksum();
+void add();
+void deletecomponent();
+void canonisecomponent();
+void savecomponenthash();
+void savecomponent();
+
+// ROMs written to files
+void romprofile();
+void saveprofile();
+void saverom();
+void saveromhash();
 
 } // namespace vantorel::command

@@ -4,17 +4,41 @@
 #include "rom/analyse.h"
 #include "rom/listing.h"
 #include "rom/load.h"
+#include "rom/rombase.h"
 #include "rom/split.h"
 #include "rom/store.h"
 #include "shell/arguments.h"
 #include "shell/commandset.h"
 #include "shell/numbers.h"
 
+#include <array>
 #include <limits>
 #include <optional>
 #include <string>
 
 namespace vantorel::command {
+
+namespace {
+
+struct BaseWord {
+    const char* word;
+    const char* base;
+};
+
+constexpr std::array<BaseWord, 3> cBaseWords = {
+    {{"x20", "0x00200000"}, {"xF8", "0x00F80000"}, {"xFC", "0x00FC0000"}}};
+
+} // namespace
+
+void rombase() {
+    if (!require(1, "ERROR, please specify the new ROMBase\n")) return;
+    for (const BaseWord& row : cBaseWords)
+        if (isword(1, row.word)) {
+            vantorel::rombase(iCurrentROM, row.base);
+            return;
+        }
+    if (offsetargument(1)) vantorel::rombase(iCurrentROM, argument(1));
+}
 
 void romname() {
     if (require(1, "ERROR, please specify the ROM name\n")) vantorel::romname(iCurrentROM, argument(1));
