@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace vantorel {
 
@@ -57,49 +58,50 @@ int addkickitysplit(int32_t rom) {
     return 0;
 }
 
-int addchecksum(int32_t rom) {
+namespace {
+
+// Appends the component called `type` whose `size` bytes begin `fromend` bytes before the end of the image.
+// Null, and an error line, when there is no such slot or what is in use reaches into it.
+Component* appendatend(int32_t rom, const char* type, int32_t fromend, int32_t size) {
     KickstartRom* slot = requirebuildable(rom);
-    if (slot == nullptr) return 1;
-    const int32_t start = slot->iSize() - iChecksumFromEnd;
-    if (slot->iUsed > start) {
-        message(kResult, "ERROR, no room for Checksum\n");
-        return 1;
-    }
-    Component& sum = append(*slot, "Checksum", cTypeChecksum, start, 4);
+    if (slot == nullptr) return nullptr;
+    const int32_t start = slot->iSize() - fromend;
+    if (slot->iUsed <= start) return &append(*slot, type, type, start, size);
+    const std::string used = type == cTypeVectors ? formatted(" Used=%d", slot->iUsed) : "";
+    message(kResult, "ERROR, no room for %s%s\n", type, used.c_str());
+    return nullptr;
+}
+
+// Puts `value` into the component's bytes and names it after it.
+void store(int32_t rom, Component& component, uint32_t value) {
+    component.pcHash = formatted("0x%08x", value);
+    setlong(bytesof(*findslot(rom), component), value);
+}
+
+} // namespace
+
+int addchecksum(int32_t rom) {
+    Component* component = appendatend(rom, cTypeChecksum, iChecksumFromEnd, 4);
+    if (component == nullptr) return 1;
     const uint32_t value = cChecksum(rom);
     message(kProgress, "Checksum calculated as %08x, use \"checksum\" to update if you change the rom\n",
             value);
-    sum.pcHash = formatted("0x%08x", value);
-    setlong(bytesof(*slot, sum), value);
+    store(rom, *component, value);
     return 0;
 }
 
 int addsize(int32_t rom) {
-    KickstartRom* slot = requirebuildable(rom);
-    if (slot == nullptr) return 1;
-    const int32_t start = slot->iSize() - iSizeFromEnd;
-    if (slot->iUsed > start) {
-        message(kResult, "ERROR, no room for Size\n");
-        return 1;
-    }
-    Component& size = append(*slot, "Size", cTypeSize, start, 4);
-    const auto value = static_cast<uint32_t>(slot->iSize());
-    size.pcHash = formatted("0x%08x", value);
-    setlong(bytesof(*slot, size), value);
+    Component* component = appendatend(rom, cTypeSize, iSizeFromEnd, 4);
+    if (component == nullptr) return 1;
+    store(rom, *component, static_cast<uint32_t>(findslot(rom)->iSize()));
     return 0;
 }
 
 int addvectors(int32_t rom) {
-    KickstartRom* slot = requirebuildable(rom);
-    if (slot == nullptr) return 1;
-    const int32_t start = slot->iSize() - iVectorsFromEnd;
-    if (slot->iUsed > start) {
-        message(kResult, "ERROR, no room for Vectors Used=%d\n", slot->iUsed);
-        return 1;
-    }
-    Component& vectors = append(*slot, "Vectors", cTypeVectors, start, iVectorsFromEnd);
-    vectors.pcHash = "0x00180019001a001b001c001d001e001f";
-    uint8_t* place = bytesof(*slot, vectors);
+    Component* component = appendatend(rom, cTypeVectors, iVectorsFromEnd, iVectorsFromEnd);
+    if (component == nullptr) return 1;
+    component->pcHash = "0x00180019001a001b001c001d001e001f";
+    uint8_t* place = bytesof(*findslot(rom), *component);
     for (const uint16_t vector : iVectors) {
         setword(place, vector);
         place += 2;
