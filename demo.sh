@@ -1,23 +1,39 @@
 #!/bin/sh
-# demo.sh: builds Vantorel and shows it at work on a ROM image that is made for the purpose.
+# demo.sh: builds Vantorel and takes it on the tour of examples/tour.txt, in out/demo/tour.
 # demo.sh FILE...: loads, analyses and lists ROMs of your own. Installs what is missing first.
 set -eu
+
+here=$(cd "$(dirname "$0")" && pwd)
+script=$(mktemp)
+trap 'rm -f "$script"' EXIT
 
 # The commands for one file, on the prompt's standard input.
 commands() {
     quote='"'
     case $1 in *\"*) quote="'" ;; esac
     path=$(printf '%s' "$1" | sed 's/\$/$$/g') # a single "$" would be a reference
-    echo "echo == The next ROM: load it, analyse it, list its components and its modules"
+    echo "# The next ROM: load it, analyse it, list its components and its modules"
     echo "loadrom $quote$path$quote"
     echo analyserom
     echo rom
     echo modules
 }
 
-here=$(cd "$(dirname "$0")" && pwd)
-script=$(mktemp)
-trap 'rm -f "$script"' EXIT
+# Runs the commands in $script, and shows each behind its prompt as a terminal would.
+session() {
+    "$here/out/demo/vantorel" <"$script" | awk '
+        NR == FNR { typed[NR] = $0; next }
+        {
+            while (index($0, "VanCLI> ") == 1) {
+                $0 = substr($0, 9)
+                line = typed[++number]
+                if (line ~ /^(#.*)?$/) print line
+                else if (line !~ /^echo "== /) print "VanCLI> " line
+            }
+            if ($0 != "") print
+        }' "$script" -
+}
+
 for file; do
     [ -f "$file" ] && [ -r "$file" ] || { echo "demo.sh: $file cannot be read" >&2; exit 1; }
     case $file in *\"*\'* | *\'*\"*) echo "demo.sh: $file has both kinds of quotes in its name" >&2; exit 1 ;; esac
@@ -27,21 +43,36 @@ done
 cd "$here"
 tools/need.sh cmake ninja-build g++
 cmake --preset demo >/dev/null
-cmake --build --preset demo >out/demo/build.log || { cat out/demo/build.log >&2; exit 1; }
+cmake --build --preset demo --target vantorel >out/demo/build.log || { cat out/demo/build.log >&2; exit 1; }
 
-if [ $# -eq 0 ]; then
-    out/demo/tests/vantorel-fixture standard out/demo/standard.rom
-    commands "out/demo/standard.rom" >>"$script"
+if [ $# -gt 0 ]; then
+    printf '# All ROMs loaded\nroms\nexit\n' >>"$script"
+    session
+    cat <<END
+
+To go on, start the prompt here with: out/demo/vantorel
+"help" lists commands, "exit" ends it; "rlwrap out/demo/vantorel" adds history.
+END
+    exit 0
 fi
-printf 'echo == All ROMs loaded\nroms\nexit\n' >>"$script"
-out/demo/vantorel <"$script"
 
+rm -rf out/demo/tour
+mkdir -p out/demo/tour/parts
+cp -R examples/hunks out/demo/tour/hunks
+cp -R examples/hashes "out/demo/tour/Vantorel Hashes"
+cp examples/tour.txt "$script"
+cd out/demo/tour
+session
+cmp tour.rom again.rom
 cat <<END
 
-
-That was out/demo/vantorel reading these commands:
-$(sed 's/^/    /' "$script")
-
-To type your own, start it here with: out/demo/vantorel
-"help" lists commands, "exit" ends it; "rlwrap out/demo/vantorel" adds history.
+That was examples/tour.txt. It has made, in out/demo/tour:
+    tour.rom                       a ROM of 512K for 0xF80000, from the modules in hunks/
+    tour.hi.bin, tour.lo.bin       the same for a pair of EPROMs
+    tour-cd32.bin, tour-a1000.adf  the ROM file of a CD32, a Kickstart disk for the A1000
+    moved.rom                      the first for 0xFC0000, built from its parts
+    again.rom                      moved back: the same as tour.rom, byte for byte
+    parts/, "Vantorel Hashes"/     its components as files, and what they are known by
+To go on, start the prompt: cd out/demo/tour && ../vantorel
+Try "loadrom tour.rom" and "rom"; "help" lists commands, "exit" ends it. ./demo.sh FILE... shows ROMs of your own.
 END
