@@ -2,6 +2,7 @@
 
 #include "adf/hostfile.h"
 #include "audit/basename.h"
+#include "base/files.h"
 #include "base/message.h"
 #include "component/loadcomponent.h"
 #include "component/placement.h"
@@ -46,40 +47,69 @@ bool holdslibrary(int32_t rom, const std::string& name) {
     return false;
 }
 
-// The key of a line that tells of a library.
-std::optional<std::string> candidate(std::string_view line) {
+// A line that tells of a library.
+struct Candidate {
+    std::string key;
+    std::string hash;
+};
+
+std::optional<Candidate> candidate(std::string_view line) {
+    constexpr std::string_view librarytype = ",Library:";
     const size_t equals = line.find('=');
-    if (equals == std::string_view::npos || line.find(",Library:") == std::string_view::npos)
+    const size_t type = line.find(librarytype);
+    if (equals == std::string_view::npos || equals == 0 || type == std::string_view::npos)
         return std::nullopt;
-    return std::string(line.substr(0, equals));
+    return Candidate{std::string(line.substr(0, equals)),
+                     std::string(line.substr(type + librarytype.size()))};
 }
 
-void addcandidate(int32_t rom, const std::string& path, const std::string& key) {
-    message(kTrace, "Possibly adding %s by wildcard\n", key.c_str());
-    if (holdslibrary(rom, key)) {
-        message(kResult, "Ignoring %s, already in the ROM\n", key.c_str());
-        return;
+// Adds the libraries of a file whose names begin with a prefix. Each is looked up on its own, so what is read
+// for all of them together has a bound.
+class WildcardAdder {
+public:
+    WildcardAdder(int32_t slotnumber, const std::string& file, const std::string& start)
+        : rom(slotnumber), path(file), prefix(start) {}
+
+    void add(const IniFile& ini) {
+        const int32_t section = readinisection(ini, cComponentsSection);
+        if (section <= 0) return; // hash files begin with their description
+        each = InputFile(path).size() + static_cast<int64_t>(ini.pcBuffer.size());
+        for (int32_t item = 0; item < ini.items(section); ++item) {
+            if (const auto found = candidate(ini.line(ini.firstline(section) + item))) consider(*found);
+            if (work <= iWorkMost) continue;
+            message(kResult, "ERROR: There is too much to read for %s, leaving off\n", path.c_str());
+            return;
+        }
     }
-    message(kResult, "Adding %s by wildcard\n", key.c_str());
-    Component record;
-    if (loadcomponent(path, key, record) == 0)
-        addcomponent(rom, record);
-    else
-        message(kResult, "ERROR: Couldn't load component %s\n", key.c_str());
-}
 
-void addmatching(int32_t rom, const std::string& path, const IniFile& ini, const std::string& prefix) {
-    const int32_t section = readinisection(ini, cComponentsSection);
-    if (section <= 0) return; // hash files begin with their description
-    for (int32_t item = 0; item < ini.items(section); ++item) {
-        const auto key = candidate(ini.line(ini.firstline(section) + item));
-        if (!key) continue;
-        message(kProgress, "Candidate [%s]\n", key->c_str());
-        message(kRaw, "Compare [%s] [%s] %d\n", key->c_str(), prefix.c_str(),
+private:
+    static constexpr int64_t iWorkMost = int64_t{512} << 20;
+
+    void consider(const Candidate& found) {
+        message(kProgress, "Candidate [%s]\n", found.key.c_str());
+        message(kRaw, "Compare [%s] [%s] %d\n", found.key.c_str(), prefix.c_str(),
                 static_cast<int32_t>(prefix.size()));
-        if (startswithnocase(*key, prefix)) addcandidate(rom, path, *key);
+        if (!startswithnocase(found.key, prefix)) return;
+        message(kTrace, "Possibly adding %s by wildcard\n", found.key.c_str());
+        if (holdslibrary(rom, found.key)) {
+            message(kResult, "Ignoring %s, already in the ROM\n", found.key.c_str());
+            return;
+        }
+        message(kResult, "Adding %s by wildcard\n", found.key.c_str());
+        work += each + InputFile(findhashfile(found.hash.c_str())).size();
+        Component record;
+        if (loadcomponent(path, found.key, record) == 0)
+            addcomponent(rom, record);
+        else
+            message(kResult, "ERROR: Couldn't load component %s\n", found.key.c_str());
     }
-}
+
+    int32_t rom;
+    const std::string& path;
+    const std::string& prefix;
+    int64_t each = 0; // bytes that are read for every library
+    int64_t work = 0; // bytes read so far
+};
 
 void addbywildcard(int32_t rom, const std::string& path, const std::string& prefix) {
     message(kResult, "Wildcard add of component\n");
@@ -93,7 +123,7 @@ void addbywildcard(int32_t rom, const std::string& path, const std::string& pref
     }
     if (const auto ini = loadinifile(hashpath)) {
         message(kProgress, "Hash file found\n");
-        addmatching(rom, path, *ini, prefix);
+        WildcardAdder(rom, path, prefix).add(*ini);
     }
 }
 

@@ -18,8 +18,14 @@ bool requirefit(const KickstartRom& slot, int32_t component) {
     return fits;
 }
 
+namespace {
+
+bool liesinside(int32_t reloc, int64_t size) { return reloc >= 0 && int64_t{reloc} + 4 <= size; }
+
+} // namespace
+
 bool requireinside(int32_t reloc, int64_t size) {
-    const bool inside = reloc >= 0 && int64_t{reloc} + 4 <= size;
+    const bool inside = liesinside(reloc, size);
     if (!inside) message(kResult, "ERROR: Reloc %d is outside its component\n", reloc);
     return inside;
 }
@@ -69,10 +75,26 @@ int createextract(int32_t rom, int32_t component) {
     return 0;
 }
 
+bool haswholeextract(const Component& component) {
+    return component.pcExtract && std::ssize(*component.pcExtract) >= component.iSize;
+}
+
 bool requireextract(int32_t rom, int32_t component) {
     const Component& record = *findrecord(rom, component);
-    const bool iswhole = record.pcExtract && std::ssize(*record.pcExtract) >= record.iSize;
-    return iswhole || createextract(rom, component) == 0;
+    if (!haswholeextract(record)) return createextract(rom, component) == 0;
+    tellrelocsoutside(record);
+    return true;
+}
+
+std::vector<int32_t> relocsinside(const Component& component) {
+    std::vector<int32_t> inside = component.ipRelocs;
+    std::erase_if(inside, [&](int32_t reloc) { return !liesinside(reloc, component.iSize); });
+    return inside;
+}
+
+void tellrelocsoutside(const Component& component) {
+    for (const int32_t reloc : component.ipRelocs)
+        static_cast<void>(requireinside(reloc, component.iSize));
 }
 
 } // namespace vantorel

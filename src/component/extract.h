@@ -35,18 +35,29 @@ void makerelative(Bytes& bytes, std::span<const int32_t> relocs, uint32_t addres
 /// its first byte; relocs outside it are left out with an error line each.
 [[nodiscard]] Bytes extractof(const KickstartRom& slot, const Component& component);
 
-/// Writes the relocated longs of component `component` of `slot`, which lies in its image, from its extract:
-/// the long there plus the component's run address. Nothing else of the image changes. Relocs outside the
-/// component are left out with an error line each.
+/// Writes the relocated longs of component `component` of `slot`, which lies in its image and has an extract
+/// of at least `iSize` bytes, from that extract: the long there plus the component's run address. Nothing
+/// else of the image changes. Relocs outside the component are left out with an error line each.
 void patchrelocs(KickstartRom& slot, int32_t component);
 
-/// (Re)builds the extract of component `component` of slot `rom` from the image and the component's relocs,
-/// of which those outside the component are dropped with an error line each. Returns 0; 1 with an error line,
-/// the extract as it was, when slot or component do not exist or the component does not lie in its image.
+/// (Re)builds the extract of component `component` of slot `rom` from the image and the component's relocs;
+/// longs at relocs outside the component stay as they are, with an error line each. Returns 0; 1 with an
+/// error line, the extract as it was, when slot or component do not exist or the component does not lie in
+/// its image.
 int createextract(int32_t rom, int32_t component);
 
-/// Builds the extract of component `component` of slot `rom`, which both exist, when it has none or one of
-/// fewer than `iSize` bytes. False, and an error line, when it does not lie in its image.
+/// Whether `component` has an extract of at least `iSize` bytes.
+[[nodiscard]] bool haswholeextract(const Component& component);
+
+/// Builds the extract of component `component` of slot `rom`, which both exist, when it has no whole one,
+/// and tells of each reloc outside the component with an error line. False, and an
+/// error line, when the component does not lie in its image.
 bool requireextract(int32_t rom, int32_t component);
+
+/// The relocs of `component` whose longs lie inside it, in their order.
+[[nodiscard]] std::vector<int32_t> relocsinside(const Component& component);
+
+/// Tells of each of the others with an error line.
+void tellrelocsoutside(const Component& component);
 
 } // namespace vantorel

@@ -1,6 +1,9 @@
 #pragma once
-// The blocks of Amiga hunk (load) files, as "The AmigaDOS Manual" (Bantam, 1986) describes them, chapter
-// "Amiga Binary File Structure". Everything in them is big-endian; sizes and counts are in longs.
+// The blocks of Amiga hunk (load) files. Everything in them is big-endian; sizes and counts are in longs.
+//
+// Those up to HUNK_BREAK are described in "The AmigaDOS Manual" (Bantam, 1986), chapter "Amiga Binary File
+// Structure"; the later ones in the include file dos/doshunks.h of the AmigaOS 3.1 developer kit and, for the
+// PowerPC's, in that of the extended hunk format.
 
 #include <cstdint>
 

@@ -103,43 +103,34 @@ private:
         switch (*id) {
         case iNoHunk:
             return skipunexpected();
+        case Hunk::iHeader:
+            return announce(*id), readheader();
+        case Hunk::iCode:
+            return announce(*id), readcode();
+        case Hunk::iData:
+            return announce(*id), readdata();
         case Hunk::iBss:
             return readbss();
-        case Hunk::iHeader:
-        case Hunk::iCode:
-        case Hunk::iData:
         case Hunk::iReloc32:
+            return announce(*id), readrelocs();
         case Hunk::iDrel32:
+            return announce(*id), readshortrelocs();
         case Hunk::iSymbol:
+            return announce(*id), readsymbols();
         case Hunk::iDebug:
+            return announce(*id), readdebug();
         case Hunk::iEnd:
-            message(kTrace, "%s [%08x]\n", cHunkType(*id), *id);
-            return readknown(*id);
+            return announce(*id), readend();
         default:
             return takeraw(*id);
         }
     }
 
-    bool readknown(uint32_t id) {
-        switch (id) {
-        case Hunk::iHeader:
-            return readheader();
-        case Hunk::iCode:
-            return readcode();
-        case Hunk::iData:
-            return readdata();
-        case Hunk::iReloc32:
-            return readrelocs();
-        case Hunk::iDrel32:
-            return readshortrelocs();
-        case Hunk::iSymbol:
-            return readsymbols();
-        case Hunk::iDebug:
-            return readdebug();
-        default:
-            position += 4;
-            return true;
-        }
+    static void announce(uint32_t id) { message(kTrace, "%s [%08x]\n", cHunkType(id), id); }
+
+    bool readend() {
+        position += 4;
+        return true;
     }
 
     // The count counts itself as one of its words, so what follows is read from the last of them on.
@@ -178,7 +169,7 @@ private:
         const int64_t count = std::max<int64_t>(int64_t{last} - first + 1, 0);
         if (!isinside(input, position, count * 4)) return false;
         table = HunkTable(first);
-        uint32_t total = 0;
+        total = 0;
         for (int64_t i = 0; i < count; ++i, position += 4) {
             const uint32_t size = *longat(input, position) * 4; // without the memory flags, the top two bits
             if (hastable) table.add(total);
@@ -207,7 +198,7 @@ private:
     bool appendhunk(const char* what, std::optional<uint32_t> longs) {
         if (!longs) return false;
         const int64_t start = position + 8;
-        const uint32_t size = *longs * 4;
+        const int64_t size = int64_t{*longs} * 4;
         message(kTrace, " %s Start=%d Size=%d\n", what, static_cast<int32_t>(start),
                 static_cast<int32_t>(size));
         if (!isinside(input, start, size)) return false;
@@ -250,26 +241,34 @@ private:
         return true;
     }
 
-    // Records relocs of the current hunk and adds the place of their target to the long at each.
+    // Records relocs of the current hunk and adds the place of their target to the long at each. Bytes that
+    // are yet to come will replace what is added before them.
     void takerelocs(View offsets, std::optional<uint32_t> target) {
         const auto source = table.find(hunk);
+        const int64_t length = std::max<int64_t>(total, std::ssize(extract));
         const bool istraced = isshown(kTrace);
         for (size_t i = 0; i < offsets.size(); i += 4) {
             const uint32_t from = iUINT32(offsets.data() + i);
             const uint32_t place = from + source.value_or(0);
-            if (!source || !target || !isinside(extract, place, 4)) {
+            if (!source || !target || int64_t{place} + 4 > length) {
                 message(kResult, "ERROR: Reloc %d is outside its component\n", static_cast<int32_t>(place));
                 continue;
             }
-            const uint32_t value = iUINT32(extract.data() + place) + *target;
-            setlong(extract.data() + place, value);
-            if (istraced) {
-                message(kTrace, "Reloc [%d] ", static_cast<int32_t>(relocs.size()));
-                message(kTrace, "pos=%d (%d) =%d\n", static_cast<int32_t>(from), static_cast<int32_t>(place),
-                        static_cast<int32_t>(value));
-            }
+            if (isinside(extract, place, 4)) relocate(place, *target);
+            if (istraced) tracereloc(from, place);
             relocs.push_back(static_cast<int32_t>(place));
         }
+    }
+
+    void relocate(uint32_t place, uint32_t target) {
+        uint8_t* bytes = extract.data() + place;
+        setlong(bytes, iUINT32(bytes) + target);
+    }
+
+    void tracereloc(uint32_t from, uint32_t place) const {
+        message(kTrace, "Reloc [%d] ", static_cast<int32_t>(relocs.size()));
+        message(kTrace, "pos=%d (%d) =%d\n", static_cast<int32_t>(from), static_cast<int32_t>(place),
+                static_cast<int32_t>(longat(extract, place).value_or(0)));
     }
 
     // The relocs of this form stand for the only hunk of a file, which begins with the extract; its longs are
@@ -351,6 +350,7 @@ private:
     Bytes extract;
     std::vector<int32_t> relocs;
     HunkTable table;
+    uint32_t total = 0; // what the header promises, in bytes
     int64_t hunk = -1;
 };
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <span>
+#include <vector>
 
 namespace vantorel {
 
@@ -39,17 +40,12 @@ constexpr size_t iHeaderLength = 32;
 // A group of HUNK_DREL32 counts its relocs in a word.
 constexpr size_t iShortGroupMost = 65535;
 
-size_t shortgroups(const Component& component) {
-    return (component.ipRelocs.size() + iShortGroupMost - 1) / iShortGroupMost;
-}
-
-// Bytes of the block, with what rounds the file up to whole longs.
-size_t blocklength(const Component& component, size_t before) {
-    const size_t relocs = component.ipRelocs.size();
+// Bytes of the block for `relocs` relocs behind `before` bytes, with what rounds the file up to whole longs.
+size_t blocklength(const Component& component, size_t relocs, size_t before) {
     if (relocs == 0) return 0;
-    const size_t length = component.iSize < iShortRelocLimit
-                              ? 4 + 2 * (relocs + 2 * shortgroups(component) + 1)
-                              : 4 * (1 + relocs + 2 + 1);
+    const size_t shortgroups = (relocs + iShortGroupMost - 1) / iShortGroupMost;
+    const size_t length = component.iSize < iShortRelocLimit ? 4 + 2 * (relocs + 2 * shortgroups + 1)
+                                                             : 4 * (1 + relocs + 2 + 1);
     return length + ((before + length) & 2);
 }
 
@@ -87,12 +83,12 @@ void addlongrelocs(FileFiller& file, std::span<const int32_t> relocs) {
     file.addlong(0); // no further group
 }
 
-void addrelocblock(FileFiller& file, const Component& component) {
-    if (component.ipRelocs.empty()) return;
+void addrelocblock(FileFiller& file, const Component& component, std::span<const int32_t> relocs) {
+    if (relocs.empty()) return;
     if (component.iSize < iShortRelocLimit)
-        addshortrelocs(file, component.ipRelocs);
+        addshortrelocs(file, relocs);
     else
-        addlongrelocs(file, component.ipRelocs);
+        addlongrelocs(file, relocs);
     if ((file.length() & 2) != 0) file.addword(0);
 }
 
@@ -106,11 +102,12 @@ Bytes loadablelibraryform(const Component& component) {
     View extract;
     if (component.pcExtract) extract = *component.pcExtract;
     extract = extract.first(std::min(extract.size(), static_cast<size_t>(std::max(component.iSize, 0))));
+    const std::vector<int32_t> relocs = relocsinside(component);
     const size_t before = iHeaderLength + extract.size();
-    FileFiller file(before + blocklength(component, before) + 4);
+    FileFiller file(before + blocklength(component, relocs.size(), before) + 4);
     addheader(file, component);
     file.addbytes(extract);
-    addrelocblock(file, component);
+    addrelocblock(file, component, relocs);
     file.addlong(Hunk::iEnd);
     return file.finished();
 }

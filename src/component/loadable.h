@@ -17,12 +17,12 @@ inline constexpr int32_t iShortRelocLimit = 65536;
 [[nodiscard]] bool haslibraryform(const Component& component);
 
 /// The loadable library form. HUNK_CODE for the type "Library", else HUNK_DATA; the extract is used up to
-/// `iSize`, and the counts are `iSize` / 4.
+/// `iSize`, relocs outside the component are left out, and the counts are `iSize` / 4.
 [[nodiscard]] Bytes loadablelibraryform(const Component& component);
 
 /// Readies component `component` of slot `rom`, which both exist, for `componentfile`: it must lie in its
-/// image, and one with a loadable library form gets a fresh extract when it has none or too short a one.
-/// False, and an error line, when it does not lie there.
+/// image, and one with a loadable library form gets a fresh extract when it has none or too short a one, and
+/// an error line for each reloc outside it. False, and an error line, when it does not lie there.
 [[nodiscard]] bool readyforfile(int32_t rom, int32_t component);
 
 /// The bytes that stand for `component` of `slot` in a file, once it is ready: its loadable library form, or

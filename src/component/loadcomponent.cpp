@@ -45,46 +45,69 @@ void relocatetozero(Component& component, uint32_t address) {
     }
 }
 
+// The base that the hash file of a ROM tells; none, and an error line, when it tells none.
+std::optional<uint32_t> sourcebase(const SourceFile& source) {
+    const char* base = readiniitem(source.ini, cDescriptionSection, "ROMBase");
+    if (base == nullptr) {
+        message(kResult, "Unable to find ROMBASE in hash file\n");
+        return std::nullopt;
+    }
+    const uint32_t rombase = Hex2iUINT32(base + std::min<size_t>(2, std::strlen(base)));
+    message(kProgress, "ROMBase of source ROM=%d\n", static_cast<int32_t>(rombase));
+    return rombase;
+}
+
 // The third field of "start,size,type:hash"; empty when there is none.
-const char* thirdfield(const FileRange& range) {
-    const char* comma = std::strchr(range.sizetext, ',');
-    return comma != nullptr ? comma + 1 : "";
+std::string_view thirdfield(const char* value) {
+    const char* first = std::strchr(value, ',');
+    const char* second = first != nullptr ? std::strchr(first + 1, ',') : nullptr;
+    return second != nullptr ? second + 1 : "";
+}
+
+// Where a library lies in its ROM, and the name of its hash file.
+struct LibraryPlace {
+    FileRange range;
+    std::string_view hash;
+};
+
+// None, and an error line, when `name` is no library that lies in the ROM.
+std::optional<LibraryPlace> findlibrary(const SourceFile& source, const char* name) {
+    const char* value = readiniitem(source.ini, cComponentsSection, name);
+    if (value == nullptr) {
+        message(kResult, "Unable to find component in hash file\n");
+        return std::nullopt;
+    }
+    constexpr std::string_view librarytype = "Library:";
+    const std::string_view field = thirdfield(value);
+    if (!field.starts_with(librarytype)) {
+        message(kResult, "ERROR: Can only add a library from another kickstart\n");
+        return std::nullopt;
+    }
+    const auto range = readrange(name, value);
+    if (!range || !requirerange(name, *range, source.data)) return std::nullopt;
+    return LibraryPlace{*range, field.substr(librarytype.size())};
 }
 
 // A library out of a ROM file, whose absolute addresses count from the base that its hash file tells.
 int extractfromrom(const SourceFile& source, const std::string& name, Component& component) {
     message(kProgress, "Extracting %s from %s using %s\n", name.c_str(), source.path.c_str(),
             source.hashpath.c_str());
-    const char* base = readiniitem(source.ini, cDescriptionSection, "ROMBase");
-    if (base == nullptr) {
-        message(kResult, "Unable to find ROMBASE in hash file\n");
-        return 1;
-    }
-    const uint32_t rombase = Hex2iUINT32(base + std::min<size_t>(2, std::strlen(base)));
-    message(kProgress, "ROMBase of source ROM=%d\n", static_cast<int32_t>(rombase));
-    const char* value = readiniitem(source.ini, cComponentsSection, name.c_str());
-    if (value == nullptr) {
-        message(kResult, "Unable to find component in hash file\n");
-        return 1;
-    }
-    const auto range = readrange(name.c_str(), value);
-    if (!range) return 1;
-    constexpr std::string_view librarytype = "Library:";
-    const std::string_view field = thirdfield(*range);
-    if (!field.starts_with(librarytype)) {
-        message(kResult, "ERROR: Can only add a library from another kickstart\n");
-        return 1;
-    }
-    if (!requirerange(name.c_str(), *range, source.data)) return 1;
-    const View bytes = part(source.data, range->start, range->size);
+    const auto base = sourcebase(source);
+    const auto library = base ? findlibrary(source, name.c_str()) : std::nullopt;
+    if (!library) return 1;
+    const View bytes = part(source.data, library->range.start, library->range.size);
     component.pcType = cTypeLibrary;
     component.pcExtract.emplace(bytes.begin(), bytes.end());
-    component.iSize = range->size;
+    component.iSize = library->range.size;
     component.pcName = name;
-    component.pcHash = field.substr(librarytype.size());
+    component.pcHash = library->hash;
     component.ipRelocs = loadrelocs(component.pcHash->c_str());
     droprelocsoutside(component.ipRelocs, component.iSize);
-    relocatetozero(component, rombase + static_cast<uint32_t>(range->start));
+    if (component.iRelocs() > component.iSize) { // a list that repeats itself would only take up memory
+        message(kResult, "ERROR: %s has more relocs than bytes\n", name.c_str());
+        return 1;
+    }
+    relocatetozero(component, *base + static_cast<uint32_t>(library->range.start));
     return 0;
 }
 

@@ -13,7 +13,7 @@ int copyextracttorom(int32_t rom, int32_t component) {
     KickstartRom* slot = requireslot(rom);
     Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
     if (record == nullptr || !requirefit(*slot, component)) return 1;
-    if (!record->pcExtract || std::ssize(*record->pcExtract) < record->iSize) {
+    if (!haswholeextract(*record)) {
         message(kResult, "ERROR: Component %d has no extract\n", component);
         return 1;
     }
@@ -93,6 +93,10 @@ int addcomponent(int32_t rom, Component& record) {
     const auto place = findplace(*slot, record.iSize);
     if (!place) {
         message(kResult, "No space in rom\n");
+        return -1;
+    }
+    if (!haswholeextract(record)) {
+        message(kResult, "ERROR: %s has no extract\n", shown(record.pcName));
         return -1;
     }
     message(kProgress, "Space available - adding\n");

@@ -18,7 +18,7 @@ int copyextracttorom(int32_t rom, int32_t component);
 /// Places `record` (size, extract, relocs, name, hash and type filled in) into slot `rom` and takes it over:
 /// into the first gap that holds it, or behind the last component. Its start and bounds, its ROMTAG and the
 /// library texts are set anew. Returns 0; -1 with an error line, `record` and ROM unchanged, when there is no
-/// such slot or no room in it.
+/// such slot, no room in it, or the extract is shorter than the size.
 int addcomponent(int32_t rom, Component& record);
 
 /// The first component of slot `rom` whose name begins with `name`, case ignored; -1 when there is none or,

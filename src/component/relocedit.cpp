@@ -5,6 +5,8 @@
 #include "rom/store.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace vantorel {
@@ -53,11 +55,10 @@ void insertnew(std::vector<int32_t>& relocs, int32_t offset) {
             message(kProgress, "RELOC=%d\n", reloc);
 }
 
-// Checks the reloc at `offset` and puts it into the list, which `isknown` says it is in already. Whether it
-// was added; the extract is the caller's to rebuild.
-bool insertreloc(int32_t rom, int32_t component, int32_t offset, bool isknown) {
+// Whether a reloc at `offset` can be added to the list, which `isknown` says it is in already; tells why not.
+bool admitreloc(int32_t rom, int32_t component, int32_t offset, bool isknown) {
     const KickstartRom& slot = *findslot(rom);
-    Component& record = *findrecord(rom, component);
+    const Component& record = *findrecord(rom, component);
     if (record.iROMTag < 0) {
         message(kResult, "ERROR, only components with a ROMTAG can have relocs added\n");
         return false;
@@ -79,9 +80,13 @@ bool insertreloc(int32_t rom, int32_t component, int32_t offset, bool isknown) {
         message(kProgress, "WARNING, RELOC %d already exists, ignoring\n", offset);
         return false;
     }
-    insertnew(record.ipRelocs, offset);
-    message(kProgress, "Refreshing/creating extract\n");
     return true;
+}
+
+int insertreloc(int32_t rom, int32_t component, int32_t offset) {
+    insertnew(findrecord(rom, component)->ipRelocs, offset);
+    message(kProgress, "Refreshing/creating extract\n");
+    return createextract(rom, component);
 }
 
 } // namespace
@@ -90,7 +95,7 @@ int addreloc(int32_t rom, int32_t component, int32_t offset) {
     const Component* record = requireeditable(rom, component);
     if (record == nullptr) return 1;
     const bool isknown = std::ranges::find(record->ipRelocs, offset) != record->ipRelocs.end();
-    return insertreloc(rom, component, offset, isknown) ? createextract(rom, component) : 1;
+    return admitreloc(rom, component, offset, isknown) ? insertreloc(rom, component, offset) : 1;
 }
 
 int deletereloc(int32_t rom, int32_t component, int32_t offset) {
@@ -107,9 +112,9 @@ int deletereloc(int32_t rom, int32_t component, int32_t offset) {
 
 namespace {
 
-// The scan of a component for longs that point into it. The extract, which each new reloc makes stale, is
-// rebuilt once, after the last: rebuilding it for each would take as many passes over the component as it has
-// relocs. Only a trace shows each.
+// The scan of a component for longs that point into it. Unless each step is to be shown, what it finds goes
+// into the list, and into the extract, all at once: one by one it would take as many passes over both as
+// there are relocs.
 class RelocScan {
 public:
     RelocScan(int32_t slotnumber, int32_t number)
@@ -129,27 +134,39 @@ public:
             add(static_cast<int32_t>(place - first));
             place += 2;
         }
-        message(kResult, "%d potential relocs added\n", found);
-        if (isstale) createextract(rom, component);
+        mergefound();
+        message(kResult, "%d potential relocs added\n", count);
     }
 
 private:
     // The trace names the reloc as the scan has it, which has moved on by a word already.
     void add(int32_t offset) {
-        ++found;
+        ++count;
         message(kTrace, "Potential RELOC=%d\n", offset + 2);
-        if (!insertreloc(rom, component, offset, std::ranges::binary_search(before, offset))) return;
-        if (isshown(kTrace))
-            createextract(rom, component);
+        if (!admitreloc(rom, component, offset, std::ranges::binary_search(before, offset))) return;
+        if (isshown(kProgress))
+            insertreloc(rom, component, offset);
         else
-            isstale = true;
+            found.push_back(offset);
+    }
+
+    // Puts each of what was found before the larger ones at the list's end, as inserting them one by one
+    // does.
+    void mergefound() {
+        if (found.empty()) return;
+        std::vector<int32_t>& relocs = findrecord(rom, component)->ipRelocs;
+        std::vector<int32_t> merged(relocs.size() + found.size());
+        std::merge(found.rbegin(), found.rend(), relocs.rbegin(), relocs.rend(), merged.rbegin(),
+                   std::greater<>());
+        relocs = std::move(merged);
+        createextract(rom, component);
     }
 
     int32_t rom;
     int32_t component;
     std::vector<int32_t> before; // the relocs that the component came with, ascending
-    int32_t found = 0;
-    bool isstale = false;
+    std::vector<int32_t> found;  // those to be merged, ascending
+    int32_t count = 0;
 };
 
 } // namespace

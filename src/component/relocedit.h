@@ -1,6 +1,6 @@
 #pragma once
-// Relocation lists edited by hand. A list stays in ascending order and without duplicates, and the extract is
-// rebuilt after each change.
+// Relocation lists edited by hand. A list in ascending order and without duplicates stays so, and the extract
+// is rebuilt after each change.
 
 #include <cstdint>
 

@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "base/message.h"
+#include "component/extract.h"
 #include "component/loadable.h"
 #include "component/selection.h"
 #include "rom/store.h"
@@ -13,10 +14,11 @@ namespace {
 
 void narraterelocs(const Component& component) {
     if (!haslibraryform(component)) return;
-    if (component.ipRelocs.empty())
+    const size_t relocs = relocsinside(component).size();
+    if (relocs == 0)
         message(kResult, "No relocs? this is probably an error as ROMTAG needs them\n");
     else
-        message(kProgress, "Writing %d relocs to a HUNK_%s hunk\n", component.iRelocs(),
+        message(kProgress, "Writing %d relocs to a HUNK_%s hunk\n", static_cast<int32_t>(relocs),
                 component.iSize < iShortRelocLimit ? "DREL32" : "RELOC32");
 }
 

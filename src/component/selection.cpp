@@ -11,7 +11,7 @@ std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t compon
         return std::nullopt;
     }
     std::vector<int32_t> numbers;
-    if (component >= 0) {
+    if (component != iEveryComponent) {
         numbers.push_back(component);
     } else if (const KickstartRom* slot = findslot(rom)) {
         for (int32_t number = 0; number < slot->iComponents(); ++number)

@@ -7,12 +7,12 @@
 
 namespace vantorel {
 
-/// Means every component where a component number is asked for.
+/// Means every component where a component number is asked for: those that are not blank.
 inline constexpr int32_t iEveryComponent = -1;
 
 /// The numbers that `component` stands for in slot `rom`: itself, whether there is such a component or not;
-/// or when negative all but the blank ones. A slot equal to `iMaxRom` counts as a ROM without components;
-/// none, with "ROM out of range", of any other that does not exist.
+/// or of `iEveryComponent` all but the blank ones. A slot equal to `iMaxRom` counts as a ROM without
+/// components; none, with "ROM out of range", of any other that does not exist.
 [[nodiscard]] std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component);
 
 } // namespace vantorel

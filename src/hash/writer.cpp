@@ -3,6 +3,7 @@
 #include "audit/basename.h"
 #include "base/files.h"
 #include "base/message.h"
+#include "component/extract.h"
 #include "component/loadable.h"
 #include "component/selection.h"
 #include "hash/crc32.h"
@@ -12,6 +13,7 @@
 #include "shell/settings.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace vantorel {
 
@@ -44,12 +46,13 @@ HashText romtext(const KickstartRom& slot) {
 
 HashText componenttext(const Component& component) {
     HashText text;
+    const std::vector<int32_t> relocs = relocsinside(component);
     text.add(formatted("[%s]\nTitle=%s\nText=%s\nSize=%d\nROMTAG=%d\nRELOCS=%d\nFileType=Loadable "
                        "Library\n\n[Display]\nColour=0x555555\nIcon=153\n\n[%s]\n",
                        cDescriptionSection, shown(component.pcLibString), shown(component.pcName),
-                       component.iSize, component.iROMTag - component.iStart, component.iRelocs(),
-                       cRelocSection));
-    for (const int32_t reloc : component.ipRelocs)
+                       component.iSize, component.iROMTag - component.iStart,
+                       static_cast<int32_t>(relocs.size()), cRelocSection));
+    for (const int32_t reloc : relocs)
         text.add(formatted("RELOC=%-10d\n", reloc));
     return text;
 }
@@ -76,6 +79,7 @@ void saveonehash(int32_t rom, int32_t number, const std::string& name) {
         message(kResult, "No relocs, ignoring\n");
         return;
     }
+    tellrelocsoutside(component);
     switch (writefile(path, componenttext(component).bytes())) {
     case WriteResult::Written:
         return;
@@ -141,7 +145,7 @@ void canoniseone(int32_t rom, int32_t number) {
 } // namespace
 
 void canonisecomponent(int32_t rom, int32_t component) {
-    const auto numbers = selectcomponents(rom, component);
+    const auto numbers = selectcomponents(rom, component < 0 ? iEveryComponent : component);
     if (!numbers) return;
     for (const int32_t number : *numbers) {
         if (findrecord(rom, number) != nullptr)

@@ -12,7 +12,7 @@ namespace vantorel {
 /// such slot (silent) or, with an error line, the file cannot be written.
 int saveromhash(int32_t rom, const std::string& name);
 
-/// Writes the hash file of component `component` of slot `rom`, or of a negative number each in turn, to the
+/// Writes the hash file of component `component` of slot `rom`, or with -1 each in turn, to the
 /// file `name`, or with an empty name each to the one called after its hash, below the save directory. One
 /// without relocs, or that cannot be written, is told of and passed over. A slot equal to `iMaxRom` counts as
 /// a ROM without components; beyond: "ROM out of range".
