@@ -1,6 +1,7 @@
 #include "build/virtualcomponents.h"
 
 #include "base/message.h"
+#include "component/extract.h"
 #include "component/placement.h"
 #include "rom/checksum.h"
 #include "rom/header.h"
@@ -136,10 +137,10 @@ int checksum(int32_t rom) {
         message(kResult, "Error: No checksum component\n");
         return 1;
     }
-    const uint32_t value = cChecksum(rom);
-    if (putlong(slot->pcROM, found->iStart, value)) return 0;
-    message(kResult, "ERROR: Component %d does not lie in its image\n",
-            static_cast<int32_t>(found - slot->psComponents.begin()));
+    const auto number = static_cast<int32_t>(found - slot->psComponents.begin());
+    if (!requirefit(*slot, number)) return 1;
+    if (putlong(slot->pcROM, found->iStart, cChecksum(rom))) return 0;
+    message(kResult, "ERROR: Component %d is too small for a checksum\n", number);
     return 1;
 }
 

@@ -44,9 +44,9 @@ HashText romtext(const KickstartRom& slot) {
     return text;
 }
 
-HashText componenttext(const Component& component) {
+// Of a component that lies in its image, with those of its relocs that lie in it.
+HashText componenttext(const Component& component, const std::vector<int32_t>& relocs) {
     HashText text;
-    const std::vector<int32_t> relocs = relocsinside(component);
     text.add(formatted("[%s]\nTitle=%s\nText=%s\nSize=%d\nROMTAG=%d\nRELOCS=%d\nFileType=Loadable "
                        "Library\n\n[Display]\nColour=0x555555\nIcon=153\n\n[%s]\n",
                        cDescriptionSection, shown(component.pcLibString), shown(component.pcName),
@@ -75,12 +75,14 @@ void saveonehash(int32_t rom, int32_t number, const std::string& name) {
             path.c_str());
     message(kProgress, "Saving component hash=%d (%s,%d relocs) from ROM %d to file %s\n", number,
             shown(component.pcName), component.iRelocs(), rom, path.c_str());
-    if (component.ipRelocs.empty()) {
+    if (!requirefit(*findslot(rom), number)) return;
+    tellrelocsoutside(component);
+    const std::vector<int32_t> relocs = relocsinside(component);
+    if (relocs.empty()) {
         message(kResult, "No relocs, ignoring\n");
         return;
     }
-    tellrelocsoutside(component);
-    switch (writefile(path, componenttext(component).bytes())) {
+    switch (writefile(path, componenttext(component, relocs).bytes())) {
     case WriteResult::Written:
         return;
     case WriteResult::NotOpened:

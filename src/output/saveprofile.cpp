@@ -129,17 +129,20 @@ bool writesingle(View bytes, const std::string& name, const char* what) {
     return file.writeall(bytes);
 }
 
-// Every second word of `bytes`, beginning at its byte `start`.
+// Every second word of `bytes`, beginning at its byte `start`; the last may be cut short.
 Bytes everysecondword(View bytes, size_t start) {
-    Bytes words(bytes.size() / 2);
+    const size_t whole = bytes.size() & ~size_t{3};
+    Bytes words(whole / 2);
     for (size_t i = 0; i < words.size(); i += 2) {
         words[i] = bytes[start + 2 * i];
         words[i + 1] = bytes[start + 2 * i + 1];
     }
+    for (size_t i = whole + start; i < std::min(whole + start + 2, bytes.size()); ++i)
+        words.push_back(bytes[i]);
     return words;
 }
 
-bool writedual(View bytes, const std::string& name, const std::string& suffix, bool isfirst) {
+bool writedual(View bytes, const std::string& name, const char* suffix, bool isfirst) {
     ProfileFile high(name + ".hi" + suffix + ".bin");
     if (!high.isopen()) return false;
     ProfileFile low(name + ".lo" + suffix + ".bin");
@@ -149,7 +152,8 @@ bool writedual(View bytes, const std::string& name, const std::string& suffix, b
     return high.writeall(everysecondword(bytes, 0)) && low.writeall(everysecondword(bytes, 2));
 }
 
-bool writechunk(View bytes, const std::string& name, const std::string& suffix, bool isfirst) {
+// The suffix counts on as a character code, also past the end of a text.
+bool writechunk(View bytes, const std::string& name, const char* suffix, bool isfirst) {
     switch (isROMType) {
     case RomType::iDual:
         return writedual(bytes, name, suffix, isfirst);
@@ -176,16 +180,14 @@ void announcefiles() {
     }
 }
 
-// Writes whole longs only. Without a number in their names all chunks go to the same files, and the last one
-// stays.
+// Without a number in their names all chunks go to the same files, and the last one stays.
 bool writechunks(const Burn& burn, const std::string& name, std::string suffix) {
     View rest = burn.buffer;
-    rest = rest.first(rest.size() & ~size_t{3});
     announcefiles();
     for (bool isfirst = true; isfirst || !rest.empty(); isfirst = false) {
         const size_t count =
             burn.chunk != 0 ? std::min(rest.size(), static_cast<size_t>(burn.chunk)) : rest.size();
-        if (!writechunk(rest.first(count), name, suffix, isfirst)) return false;
+        if (!writechunk(rest.first(count), name, suffix.c_str(), isfirst)) return false;
         rest = rest.subspan(count);
         if (!suffix.empty()) ++suffix.back();
     }

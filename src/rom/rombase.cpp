@@ -11,21 +11,25 @@ namespace vantorel {
 
 namespace {
 
-// Whether component `number` can follow its ROM; an error line when not. One without a whole extract gets it
-// while the old base still counts.
-bool ismovable(int32_t rom, int32_t number) {
-    const Component& component = *findrecord(rom, number);
+// Whether component `number` can follow its ROM; an error line when not.
+bool ismovable(const KickstartRom& slot, int32_t number) {
+    const Component& component = slot.psComponents[static_cast<size_t>(number)];
     if (component.ipRelocs.empty()) return true;
-    if (!requirefit(*findslot(rom), number)) return false;
     const auto isin = [&](int32_t reloc) { return requireinside(reloc, component.iSize); };
-    return std::ranges::all_of(component.ipRelocs, isin) && requireextract(rom, number);
+    return requirefit(slot, number) && std::ranges::all_of(component.ipRelocs, isin);
 }
 
-bool aremovable(int32_t rom) {
-    const int32_t count = findslot(rom)->iComponents();
-    for (int32_t number = 0; number < count; ++number)
-        if (!ismovable(rom, number)) return false;
+bool aremovable(const KickstartRom& slot) {
+    for (int32_t number = 0; number < slot.iComponents(); ++number)
+        if (!ismovable(slot, number)) return false;
     return true;
+}
+
+// What has relocs and no whole extract gets it while the old base still counts.
+void completeextracts(int32_t rom) {
+    const KickstartRom& slot = *findslot(rom);
+    for (int32_t number = 0; number < slot.iComponents(); ++number)
+        if (!slot.psComponents[static_cast<size_t>(number)].ipRelocs.empty()) requireextract(rom, number);
 }
 
 void repatch(KickstartRom& slot) {
@@ -36,7 +40,7 @@ void repatch(KickstartRom& slot) {
         if (component.ipRelocs.empty()) continue;
         message(kResult, "Repatching [%d] %s\n", counter, shown(component.pcLibString));
         patchrelocs(slot, number);
-        // What the line above shows for the next component; the lines' readers know it as it is.
+        // The number shown is that of the relocs patched before, and stays it.
         counter = component.iRelocs();
     }
     message(kResult,
@@ -48,7 +52,8 @@ void repatch(KickstartRom& slot) {
 
 int rombase(int32_t rom, const std::string& text) {
     KickstartRom* slot = requireslot(rom);
-    if (slot == nullptr || !aremovable(rom)) return 1;
+    if (slot == nullptr || !aremovable(*slot)) return 1;
+    completeextracts(rom);
     slot->iROMBase = atoiorhex(text.c_str());
     message(kResult, "ROMBase set to %08x\n", slot->iROMBase);
     if (!slot->psComponents.empty()) repatch(*slot);

@@ -54,7 +54,7 @@ struct KickstartRom {
     int32_t iUsed = 0;                   ///< bytes of the image that hold loaded data
     uint32_t iCRC32 = 0;                 ///< CRC32 of the image as it was loaded
     uint32_t iROMBase = 0;               ///< CPU address at which the image runs
-    std::vector<Component> psComponents; ///< ascending by `iStart`
+    std::vector<Component> psComponents; ///< ascending by `iStart` until a bound is edited
     Text pcTitle;                        ///< "Unnamed" for a new ROM
     Text pcText;                         ///< description
     uint8_t cFill = 0;                   ///< what fills empty or erased space

@@ -8,6 +8,7 @@
 #include "shell/numbers.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vantorel {
 
@@ -31,12 +32,23 @@ int64_t findpair(const uint8_t* bytes, int64_t count, int64_t apart, uint8_t fir
     return at;
 }
 
+// Patterns up to this length, in bytes, are compared at every place where both ends fit.
+constexpr int64_t iShortPattern = 32;
+
+// The search for a pattern so long that comparing it again and again could take for ever.
+int64_t searchlong(View image, View pattern, int64_t from, int64_t to) {
+    const View range = part(image, from, to - from + std::ssize(pattern) - 1);
+    const void* found = ::memmem(range.data(), range.size(), pattern.data(), pattern.size());
+    return found != nullptr ? static_cast<const uint8_t*>(found) - image.data() : -1;
+}
+
 // The first of the offsets from `from` up to, not including, `to` at which `image` holds `pattern` whole; -1
 // when there is none.
 int64_t search(View image, View pattern, int64_t from, int64_t to) {
     const int64_t length = std::ssize(pattern);
     to = std::min(to, std::ssize(image) - length + 1);
     if (from >= to || pattern.empty()) return from < to ? from : -1;
+    if (length > iShortPattern) return searchlong(image, pattern, from, to);
     for (int64_t at = from;; ++at) {
         at += findpair(image.data() + at, to - at, length - 1, pattern.front(), pattern.back());
         if (at >= to) return -1;
