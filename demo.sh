@@ -34,14 +34,17 @@ session() {
         }' "$script" -
 }
 
+[ $# -le 20 ] || { echo "demo.sh: at most 20 ROMs, please" >&2; exit 1; }
 for file; do
     [ -f "$file" ] && [ -r "$file" ] || { echo "demo.sh: $file cannot be read" >&2; exit 1; }
     case $file in *\"*\'* | *\'*\"*) echo "demo.sh: $file has both kinds of quotes in its name" >&2; exit 1 ;; esac
+    [ "$(printf '%s' "$file" | wc -l)" -eq 0 ] || { echo "demo.sh: a file's name has a line feed" >&2; exit 1; }
     commands "$(realpath "$file")" >>"$script"
 done
 
 cd "$here"
 tools/need.sh cmake ninja-build g++
+echo "Building out/demo/vantorel, which takes a minute the first time..." >&2
 cmake --preset demo >/dev/null
 cmake --build --preset demo --target vantorel >out/demo/build.log || { cat out/demo/build.log >&2; exit 1; }
 
@@ -70,7 +73,7 @@ That was examples/tour.txt. It has made, in out/demo/tour:
     tour.rom                       a ROM of 512K for 0xF80000, from the modules in hunks/
     tour.hi.bin, tour.lo.bin       the same for a pair of EPROMs
     tour-cd32.bin, tour-a1000.adf  the ROM file of a CD32, a Kickstart disk for the A1000
-    moved.rom                      the first for 0xFC0000, built from its parts
+    moved.rom                      the first for 0xE00000, built from its parts
     again.rom                      moved back: the same as tour.rom, byte for byte
     parts/, "Vantorel Hashes"/     its components as files, and what they are known by
 To go on, start the prompt: cd out/demo/tour && ../vantorel

@@ -143,7 +143,7 @@ class Tour(unittest.TestCase):
         self.assertEqual(self.made("tour.rom"), self.main)
 
     def test_the_moved_rom_is_built_for_its_base(self):
-        moved, _ = image(0x80000, 0xFC0000, LOWER, UPPER)
+        moved, _ = image(0x80000, 0xE00000, LOWER, UPPER)
         self.assertEqual(self.made("moved.rom"), moved)
         self.assertEqual(self.made("again.rom"), self.main)
 
