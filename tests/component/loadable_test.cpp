@@ -2,16 +2,10 @@
 
 #include "component/loadable.h"
 #include "rom/romtest.h"
+#include "support/hunkbuilder.h"
 
 namespace vantorel::test {
 namespace {
-
-Bytes longs(const std::vector<uint32_t>& values) {
-    Bytes result;
-    for (const uint32_t value : values)
-        appendlong(result, value);
-    return result;
-}
 
 Component library(int32_t size, std::vector<int32_t> relocs) {
     Component component;

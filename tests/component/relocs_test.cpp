@@ -1,8 +1,8 @@
 // Relocation lists in hash files.
 
 #include "component/relocs.h"
+#include "rom/romtest.h"
 
-#include <gtest/gtest.h>
 #include <string_view>
 
 namespace vantorel::test {
@@ -38,6 +38,62 @@ TEST(RelocSection, TheListEndsWithTheSection) {
 TEST(RelocSection, HugeNumbersStayOutsideEveryComponent) {
     EXPECT_EQ(relocsof("RELOC=99999999999\nRELOC=-99999999999\nRELOC=-4\n"),
               (std::vector<int32_t>{2147483647, -2147483647 - 1, -4}));
+}
+
+// Lists of hash files that are found by name in the library.
+class LoadRelocsTest : public RomTest {
+protected:
+    // A hash file of this name with these lines in [RELOC32], known to the program.
+    void write(const std::string& name, const std::string& lines) const {
+        hashes.write(name, "[Description]\nTitle=x\nSize=99\n\n[RELOC32]\n" + lines);
+        index();
+    }
+};
+
+using Relocs = std::vector<int32_t>;
+
+TEST_F(LoadRelocsTest, TheListIsThatOfTheFileFound) {
+    write("0x12345678.exec_40.10", "RELOC=12        \nRELOC=4         \n");
+    EXPECT_EQ(loadrelocs("0x12345678.exec_40.10"), (Relocs{12, 4}));
+    EXPECT_EQ(loadrelocs("0x12345678"), (Relocs{12, 4})) << "the first name that begins so";
+    EXPECT_EQ(loadrelocs("0X12345678.EXEC"), Relocs{}) << "another bucket of the index";
+    EXPECT_EQ(loadrelocs("0x12345678.EXEC"), (Relocs{12, 4}));
+}
+
+TEST_F(LoadRelocsTest, WithoutAFileThereAreNone) {
+    EXPECT_EQ(loadrelocs("0x12345678"), Relocs{}) << "nothing is indexed";
+    write("0x12345678", "RELOC=4\n");
+    EXPECT_EQ(loadrelocs("0x12345679"), Relocs{});
+    EXPECT_FALSE(has(at(10, [] { static_cast<void>(loadrelocs("0x87654321")); }), "Loading relocs"));
+}
+
+TEST_F(LoadRelocsTest, WithoutTheSectionThereAreNone) {
+    hashes.write("0x12345678", "[Description]\nTitle=x\nRELOC=4\n");
+    index();
+    EXPECT_EQ(loadrelocs("0x12345678"), Relocs{});
+}
+
+TEST_F(LoadRelocsTest, AFileThatWentAwayHasNone) {
+    write("0x12345678", "RELOC=4\n");
+    ASSERT_EQ(std::remove(dir.file("hashes/0x12345678").c_str()), 0);
+    EXPECT_EQ(loadrelocs("0x12345678"), Relocs{});
+}
+
+TEST_F(LoadRelocsTest, LinesTooShortForANumberArePassedOverInSilence) {
+    write("0x12345678", "RELOC=4\n\nRELOC=\nRELOC\nRELOC=8\n");
+    EXPECT_EQ(loadrelocs("0x12345678"), (Relocs{4, 8}));
+    EXPECT_EQ(at(1, [] { static_cast<void>(loadrelocs("0x12345678")); }), "");
+}
+
+TEST_F(LoadRelocsTest, TracesHaveTheirThresholds) {
+    const Action load = [] { static_cast<void>(loadrelocs("0x12345678")); };
+    const Action prepare = [this] { write("0x12345678", "RELOC=12\nRELOC=4\n"); };
+    expectthresholds(prepare, load,
+                     {{5, "Loading relocs\n"},
+                      {5, "Section size=2\n"},
+                      {5, "RELOC #0 position 12"},
+                      {5, "RELOC #1 position 4"},
+                      {9, "Allocating 2 ints\n"}});
 }
 
 } // namespace
