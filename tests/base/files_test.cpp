@@ -1,11 +1,15 @@
 #include "base/files.h"
+#include "base/message.h"
+#include "support/capture.h"
 #include "support/tempdir.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -182,6 +186,99 @@ TEST(WriteFile, APipeWithoutAReaderCannotBeOpened) {
     const TempDir directory;
     ASSERT_EQ(::mkfifo(directory.file("pipe").c_str(), 0600), 0);
     EXPECT_EQ(writefile(directory.file("pipe"), Bytes{1}), WriteResult::NotOpened);
+}
+
+TEST(OutputFile, PiecesFollowEachOther) {
+    const TempDir directory;
+    OutputFile file(directory.file("out", counted(100)));
+    ASSERT_TRUE(file.isopen());
+    EXPECT_GE(file.number(), 0);
+    file.write(Bytes{1, 2});
+    file.write({});
+    file.write(Bytes{3});
+    EXPECT_TRUE(file.close());
+    EXPECT_EQ(directory.bytes("out"), (Bytes{1, 2, 3}));
+}
+
+TEST(OutputFile, IsClosedOnce) {
+    const TempDir directory;
+    OutputFile file(directory.file("out"));
+    EXPECT_TRUE(file.close());
+    EXPECT_FALSE(file.isopen());
+    EXPECT_EQ(file.number(), -1);
+    EXPECT_FALSE(file.close());
+}
+
+TEST(OutputFile, IsClosedWithTheObject) {
+    const TempDir directory;
+    int number = -1;
+    {
+        OutputFile file(directory.file("out"));
+        number = file.number();
+        file.write(Bytes{1, 2});
+    }
+    ASSERT_GE(number, 0);
+    EXPECT_EQ(::fcntl(number, F_GETFD), -1);
+    EXPECT_EQ(directory.bytes("out"), (Bytes{1, 2}));
+}
+
+TEST(OutputFile, ThatIsNotOpenTakesNothing) {
+    const TempDir directory;
+    OutputFile file(directory.path());
+    EXPECT_FALSE(file.isopen());
+    EXPECT_EQ(file.number(), -1);
+    file.write(Bytes{1, 2});
+    EXPECT_FALSE(file.close());
+}
+
+TEST(OutputFile, OnAFullDiskStaysFailed) {
+    OutputFile file("/dev/full");
+    ASSERT_TRUE(file.isopen());
+    file.write(Bytes{1});
+    file.write({});
+    EXPECT_FALSE(file.close());
+}
+
+TEST(OutputFile, AfterAFailureNothingMoreIsWritten) {
+    // A limit on the size of files fails the second piece; the third would fit again.
+    const TempDir directory;
+    struct rlimit former {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &former), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const struct rlimit small { 4, former.rlim_max };
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    OutputFile file(directory.file("out"));
+    file.write(Bytes{1, 2, 3});
+    file.write(Bytes{4, 5, 6});
+    ::setrlimit(RLIMIT_FSIZE, &former);
+    std::signal(SIGXFSZ, handler);
+    file.write(Bytes{7});
+    EXPECT_FALSE(file.close());
+    EXPECT_EQ(directory.bytes("out"), (Bytes{1, 2, 3, 4}));
+}
+
+TEST(SaveFile, TellsOfNothingWhenAllIsWritten) {
+    const TempDir directory;
+    EXPECT_EQ(captured([&] { EXPECT_EQ(savefile(directory.file("out"), counted(1000)), 0); }), "");
+    EXPECT_EQ(directory.bytes("out"), counted(1000));
+}
+
+TEST(SaveFile, TellsOfEachFailureOnce) {
+    EXPECT_EQ(captured([] { EXPECT_EQ(savefile("/nowhere/out", counted(3)), 1); }),
+              "ERROR: failed to open output file /nowhere/out\n");
+    EXPECT_EQ(captured([] { EXPECT_EQ(savefile("/dev/full", counted(3)), 1); }),
+              "ERROR: failed to write output file /dev/full\n");
+}
+
+TEST(SaveFile, IsSilentAtLevelZero) {
+    const int32_t former = iLogLevel;
+    iLogLevel = 0;
+    const std::string text = captured([] {
+        savefile("/nowhere/out", counted(3));
+        savefile("/dev/full", counted(3));
+    });
+    iLogLevel = former;
+    EXPECT_EQ(text, "");
 }
 
 TEST(OpenOutput, WritesToADeviceMayWait) {
