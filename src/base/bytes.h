@@ -2,8 +2,10 @@
 // Byte buffers and the 68000's byte order (most significant byte first).
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <vector>
@@ -24,10 +26,9 @@ using View = std::span<const uint8_t>;
 
 /// Stores `value` big-endian in the four bytes at `p`.
 inline void setlong(uint8_t* p, uint32_t value) {
-    p[0] = static_cast<uint8_t>(value >> 24);
-    p[1] = static_cast<uint8_t>(value >> 16);
-    p[2] = static_cast<uint8_t>(value >> 8);
-    p[3] = static_cast<uint8_t>(value);
+    // In one piece: in a loop, g++ makes far slower code of four single bytes.
+    if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap32(value);
+    std::memcpy(p, &value, sizeof value);
 }
 
 /// Stores the low 16 bits of `value` big-endian in the two bytes at `p`.

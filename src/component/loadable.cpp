@@ -20,6 +20,13 @@ public:
 
     void addlong(uint32_t value) { setlong(take(4), value); }
     void addword(uint32_t value) { setword(take(2), value); }
+    void addlongs(std::span<const int32_t> values) {
+        uint8_t* place = take(4 * values.size());
+        for (const int32_t value : values) {
+            setlong(place, static_cast<uint32_t>(value));
+            place += 4;
+        }
+    }
     void addbytes(View bytes) { std::ranges::copy(bytes, take(bytes.size())); }
 
     [[nodiscard]] size_t length() const { return used; }
@@ -78,8 +85,7 @@ void addlongrelocs(FileFiller& file, std::span<const int32_t> relocs) {
     file.addlong(Hunk::iReloc32);
     file.addlong(static_cast<uint32_t>(relocs.size()));
     file.addlong(0); // the target hunk
-    for (const int32_t reloc : relocs)
-        file.addlong(static_cast<uint32_t>(reloc));
+    file.addlongs(relocs);
     file.addlong(0); // no further group
 }
 

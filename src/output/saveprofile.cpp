@@ -9,7 +9,10 @@
 #include "shell/settings.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <optional>
+#include <span>
 
 namespace vantorel {
 
@@ -96,6 +99,19 @@ std::string fitchips(Burn& burn) {
     return "";
 }
 
+// Copies every second word of `from`, beginning at its byte `start`, to `to`, which has room for half of it.
+// The last may be cut short. Returns the number of bytes.
+size_t takewords(View from, size_t start, std::span<uint8_t> to) {
+    const size_t whole = from.size() / 4;
+    for (size_t i = 0; i < whole; ++i)
+        std::memcpy(to.data() + 2 * i, from.data() + 4 * i + start, 2);
+    size_t count = 2 * whole;
+    const size_t rest = 4 * whole + start;
+    for (size_t at = rest; at < std::min(rest + 2, from.size()); ++at)
+        to[count++] = from[at];
+    return count;
+}
+
 // An output file of the profile, and its path for what is said of it.
 class ProfileFile {
 public:
@@ -109,15 +125,32 @@ public:
         message(kProgress, "%s [%d]:%s\n", what, file.number(), path.c_str());
     }
 
-    // False, and an error line, when not all of it could be written.
+    // Both return false, with an error line, when not all of it could be written.
+
     bool writeall(View bytes) {
         file.write(bytes);
+        return finish();
+    }
+
+    // Every second word of `bytes`, beginning at its byte `start`. Piece by piece: fresh memory for all of it
+    // would take longer than the work.
+    bool writewords(View bytes, size_t start) {
+        std::array<uint8_t, 32768> words;
+        while (!bytes.empty()) {
+            const View piece = bytes.first(std::min(bytes.size(), 2 * words.size()));
+            file.write(View(words).first(takewords(piece, start, words)));
+            bytes = bytes.subspan(piece.size());
+        }
+        return finish();
+    }
+
+private:
+    bool finish() {
         const bool good = file.close();
         if (!good) reportnotwritten(path);
         return good;
     }
 
-private:
     std::string path;
     OutputFile file;
 };
@@ -129,19 +162,6 @@ bool writesingle(View bytes, const std::string& name, const char* what) {
     return file.writeall(bytes);
 }
 
-// Every second word of `bytes`, beginning at its byte `start`; the last may be cut short.
-Bytes everysecondword(View bytes, size_t start) {
-    const size_t whole = bytes.size() & ~size_t{3};
-    Bytes words(whole / 2);
-    for (size_t i = 0; i < words.size(); i += 2) {
-        words[i] = bytes[start + 2 * i];
-        words[i + 1] = bytes[start + 2 * i + 1];
-    }
-    for (size_t i = whole + start; i < std::min(whole + start + 2, bytes.size()); ++i)
-        words.push_back(bytes[i]);
-    return words;
-}
-
 bool writedual(View bytes, const std::string& name, const char* suffix, bool isfirst) {
     ProfileFile high(name + ".hi" + suffix + ".bin");
     if (!high.isopen()) return false;
@@ -149,7 +169,7 @@ bool writedual(View bytes, const std::string& name, const char* suffix, bool isf
     if (!low.isopen()) return false;
     high.tell(isfirst ? "Multi-Chunk-0" : "Multi-Chunk0");
     low.tell(isfirst ? "Multi-Chunk-1" : "Multi-Chunk1");
-    return high.writeall(everysecondword(bytes, 0)) && low.writeall(everysecondword(bytes, 2));
+    return high.writewords(bytes, 0) && low.writewords(bytes, 2);
 }
 
 // The suffix counts on as a character code, also past the end of a text.
@@ -204,7 +224,7 @@ int saveprofile(bool byteswap, int32_t savesize, const std::string& name) {
     arrange(burn);
     if (burn.byteswap) {
         message(kResult, "Buffer needs to be byteswapped\n");
-        burn.buffer = byteswapped(burn.buffer);
+        swapbytes(burn.buffer);
     }
     const std::string suffix = fitchips(burn);
     return writechunks(burn, name, suffix) ? 0 : 1;

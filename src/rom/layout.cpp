@@ -3,13 +3,24 @@
 #include "rom/header.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vantorel {
 
+void swapbytes(std::span<uint8_t> data) {
+    uint8_t* bytes = data.data();
+    for (size_t words = data.size() / 2; words > 0; --words, bytes += 2) {
+        // As a word, so that the compiler can take many at once.
+        uint16_t word = 0;
+        std::memcpy(&word, bytes, sizeof word);
+        word = static_cast<uint16_t>(word << 8 | word >> 8);
+        std::memcpy(bytes, &word, sizeof word);
+    }
+}
+
 Bytes byteswapped(View data) {
     Bytes swapped(data.begin(), data.end());
-    for (size_t i = 0; i + 1 < swapped.size(); i += 2)
-        std::swap(swapped[i], swapped[i + 1]);
+    swapbytes(swapped);
     return swapped;
 }
 

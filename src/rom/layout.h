@@ -5,6 +5,9 @@
 
 namespace vantorel {
 
+/// Exchanges the two bytes of every 16-bit word of `data`; an odd last byte stays.
+void swapbytes(std::span<uint8_t> data);
+
 /// `data` with the two bytes of every 16-bit word exchanged; an odd last byte stays.
 [[nodiscard]] Bytes byteswapped(View data);
 
