@@ -1,8 +1,8 @@
 // Command lines from hostile hands: each line of the input is run as if it were typed.
 //
 // The lines work in a folder of their own that holds a ROM, a disk image, a hash library and files to audit.
-// A "/" would lead out of it, so lines that hold one are passed over; the alias F holds the one path that the
-// disk image needs.
+// A "/" would lead out of it, so lines that come to hold one are passed over; the alias F holds the one path
+// that the disk image needs.
 
 #include "base/message.h"
 #include "input.h"
@@ -11,6 +11,7 @@
 #include "shell/alias.h"
 #include "shell/commands.h"
 #include "shell/settings.h"
+#include "shell/substitute.h"
 #include "support/diskbuilder.h"
 #include "support/freshstate.h"
 #include "support/hashbuilder.h"
@@ -44,8 +45,14 @@ struct Ground {
     }
 };
 
+/// Whether a line stays in the folder, what its aliases stand for included.
 bool issafe(std::string_view line) {
-    return line.find_first_of(std::string_view("/\0", 2)) == line.npos && line.find("..") == line.npos;
+    if (line.find('\0') != line.npos) return false;
+    constexpr std::string_view ondisk = "ADF:/rom";
+    std::string text = parsealias(std::string(line).c_str());
+    for (size_t place = text.find(ondisk); place != text.npos; place = text.find(ondisk, place))
+        text.erase(place, ondisk.size());
+    return text.find('/') == text.npos && text.find("..") == text.npos;
 }
 
 /// Lines that would make ROMs of gigabytes show nothing but how slow memory is.
