@@ -14,9 +14,6 @@
 #include "support/rombuilder.h"
 #include "support/tempdir.h"
 
-#include <cstdio>
-#include <iostream>
-
 namespace vantorel::bench {
 namespace {
 
@@ -87,12 +84,5 @@ BENCHMARK(analyserom_against_cksum)->UseManualTime()->Iterations(15)->Unit(bench
 } // namespace
 } // namespace vantorel::bench
 
-int main(int argc, char** argv) {
-    // The analysis narrates the release of the map at every level; the figures go to standard error instead.
-    if (std::freopen("/dev/null", "w", stdout) == nullptr) return 1;
-    benchmark::Initialize(&argc, argv);
-    benchmark::ConsoleReporter reporter;
-    reporter.SetOutputStream(&std::cerr);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return 0;
-}
+// The analysis narrates the release of the map at every level.
+int main(int argc, char** argv) { return vantorel::bench::runsilenced(argc, argv); }

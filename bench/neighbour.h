@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <iostream>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -82,6 +83,17 @@ inline void runprogram(const std::vector<std::string>& words, const char* input 
         fprintf(stderr, "%s did not run\n", arguments[0]);
         std::exit(1);
     }
+}
+
+/// `main` of a program whose subject prints at every level: what it prints goes nowhere, and the figures go
+/// to standard error instead.
+inline int runsilenced(int argc, char** argv) {
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) return 1;
+    benchmark::Initialize(&argc, argv);
+    benchmark::ConsoleReporter reporter(benchmark::ConsoleReporter::OO_None);
+    reporter.SetOutputStream(&std::cerr);
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return 0;
 }
 
 } // namespace vantorel::bench
