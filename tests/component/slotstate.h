@@ -77,7 +77,7 @@ inline Component componenton(const Extent& place) {
     component.pcType = cTypeData;
     component.iStart = component.iFixedStart = place.start;
     component.iSize = place.size;
-    component.iFixedEnd = place.start + place.size;
+    component.iFixedEnd = static_cast<int32_t>(component.iEnd());
     return component;
 }
 
