@@ -103,6 +103,22 @@ TEST_F(FindTest, NothingIsTriedOutsideTheImage) {
     EXPECT_EQ(found(0, 1000, "0x00"), "-");
 }
 
+TEST_F(FindTest, OfAnyLengthTheLastPlaceTriedIsTheSame) {
+    const Bytes image = noisebytes(1000, 8);
+    makeslot(image);
+    for (uint32_t length = 1; length <= 200; ++length) {
+        const std::string pattern = hextext(bytesat(0, 300, static_cast<int32_t>(length)));
+        const std::string first = hex32(static_cast<uint32_t>(
+            std::search(image.begin(), image.end(), image.begin() + 300, image.begin() + 300 + length) -
+            image.begin()));
+        EXPECT_EQ(found(0, 301 + length, pattern), first) << length;
+        if (first != hex32(300)) continue;
+        EXPECT_EQ(found(0, 300 + length, pattern), "-") << length;
+        EXPECT_EQ(found(290, 591 + length, pattern), first) << length;
+        EXPECT_EQ(found(290, 590 + length, pattern), "-") << length;
+    }
+}
+
 TEST_F(FindTest, NoDigitsAreFoundAtOnce) {
     makeslot(Bytes(100, 0));
     EXPECT_EQ(found(0, 100, "0x"), "0x00000000");
