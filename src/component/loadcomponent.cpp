@@ -11,9 +11,7 @@
 #include "hash/hashfile.h"
 #include "hash/ini.h"
 #include "hash/library.h"
-#include "shell/numbers.h"
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string_view>
@@ -47,14 +45,12 @@ void relocatetozero(Component& component, uint32_t address) {
 
 // The base that the hash file of a ROM tells; none, and an error line, when it tells none.
 std::optional<uint32_t> sourcebase(const SourceFile& source) {
-    const char* base = readiniitem(source.ini, cDescriptionSection, "ROMBase");
-    if (base == nullptr) {
+    const auto base = describedbase(source.ini);
+    if (base)
+        message(kProgress, "ROMBase of source ROM=%d\n", static_cast<int32_t>(*base));
+    else
         message(kResult, "Unable to find ROMBASE in hash file\n");
-        return std::nullopt;
-    }
-    const uint32_t rombase = Hex2iUINT32(base + std::min<size_t>(2, std::strlen(base)));
-    message(kProgress, "ROMBase of source ROM=%d\n", static_cast<int32_t>(rombase));
-    return rombase;
+    return base;
 }
 
 // The third field of "start,size,type:hash"; empty when there is none.

@@ -2,7 +2,7 @@
 
 #include "base/message.h"
 #include "component/extract.h"
-#include "rom/romtag.h"
+#include "rom/taketag.h"
 
 #include <algorithm>
 #include <optional>
@@ -75,15 +75,6 @@ std::optional<Place> findplace(const KickstartRom& slot, int32_t need) {
     return place;
 }
 
-void taketag(KickstartRom& slot, Component& component) {
-    uint32_t base = slot.iROMBase;
-    const auto tag = findromtag(slot.pcROM, component.iStart, component.iFixedEnd, base);
-    message(kProgress, "%s\n", tag ? "Found ROMTag" : "Couldn't find ROMTag!");
-    component.iROMTag = tag ? static_cast<int32_t>(tag->iOffset) : -1;
-    component.pcLibName = tag ? Text(tag->cName) : std::nullopt;
-    component.pcLibString = tag ? Text(tag->cIdString) : std::nullopt;
-}
-
 } // namespace
 
 int addcomponent(int32_t rom, Component& record) {
@@ -106,7 +97,7 @@ int addcomponent(int32_t rom, Component& record) {
     component.iFixedEnd = component.iStart + component.iSize;
     if (&component == &slot->psComponents.back()) slot->iUsed = component.iFixedEnd;
     copyextracttorom(rom, place->number);
-    taketag(*slot, component);
+    message(kProgress, "%s\n", taketag(*slot, component) ? "Found ROMTag" : "Couldn't find ROMTag!");
     return 0;
 }
 

@@ -9,8 +9,8 @@
 #include "hash/library.h"
 #include "rom/checksum.h"
 #include "rom/layout.h"
-#include "rom/romtag.h"
 #include "rom/store.h"
+#include "rom/taketag.h"
 #include "shell/numbers.h"
 
 #include <algorithm>
@@ -59,11 +59,10 @@ Text copyof(const char* text) { return text != nullptr ? Text(text) : Text(""); 
 void readdescription(KickstartRom& slot, const IniFile& ini) {
     slot.pcTitle = copyof(readiniitem(ini, cDescriptionSection, "Title"));
     slot.pcText = copyof(readiniitem(ini, cDescriptionSection, "Text"));
-    const char* base = readiniitem(ini, cDescriptionSection, "ROMBase");
-    if (base == nullptr)
-        message(kResult, "WARNING: No ROMBase\n");
+    if (const auto base = describedbase(ini))
+        slot.iROMBase = *base;
     else
-        slot.iROMBase = Hex2iUINT32(base + std::min<size_t>(2, std::strlen(base)));
+        message(kResult, "WARNING: No ROMBase\n");
 }
 
 // Matches the type word of "type:hash"; without a known one the whole text is both.
@@ -131,17 +130,6 @@ void takeextract(Component& component, const KickstartRom& slot) {
     }
 }
 
-void taketag(Component& component, const KickstartRom& slot) {
-    const auto end = static_cast<int32_t>(component.iEnd());
-    message(kProgress, "Finding ROMTAG in newly loaded ROM at %d to %d\n", component.iStart, end);
-    uint32_t base = slot.iROMBase;
-    if (const auto tag = findromtag(slot.pcROM, component.iStart, end, base)) {
-        component.pcLibName = tag->cName;
-        component.pcLibString = tag->cIdString;
-        component.iROMTag = static_cast<int32_t>(tag->iOffset);
-    }
-}
-
 // A map names each byte of its image about once and has a small file for each component. One that claims this
 // many times its image, or this many bytes of hash files, is damage: it would use time and memory out of
 // proportion.
@@ -194,7 +182,9 @@ private:
         message(kProgress, "Hashing raw component=%2d %s (%d bytes) from ROM=%d\n", number,
                 shown(component.pcName), component.iSize, rom);
         takeextract(component, slot);
-        taketag(component, slot);
+        message(kProgress, "Finding ROMTAG in newly loaded ROM at %d to %d\n", component.iStart,
+                static_cast<int32_t>(component.iEnd()));
+        taketag(slot, component);
         component.iCRC32 = crc32buf(*component.pcExtract);
         message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
     }
