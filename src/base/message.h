@@ -15,6 +15,7 @@ enum Threshold : int {
     kProgress = 1, ///< progress and summaries
     kTrace = 5,    ///< debug traces
     kChatty = 7,   ///< very chatty traces
+    kDetail = 8,   ///< traces of every single item
     kRaw = 9       ///< pointers and raw lines
 };
 

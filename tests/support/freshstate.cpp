@@ -2,6 +2,9 @@
 
 #include "adf/directory.h"
 #include "base/message.h"
+#include "missassembler/bounds.h"
+#include "missassembler/decode.h"
+#include "missassembler/labels.h"
 #include "output/profile.h"
 #include "shell/reset.h"
 #include "shell/settings.h"
@@ -17,6 +20,10 @@ void freshstate() {
     cSaveDir.clear();
     isROMType = RomType::iUnset;
     isProfileROM = {-1, -1, -1, -1};
+    sMnemonic = {};
+    freemissassembler();
+    freestoplabels();
+    iMissMin = iMissMax = iMissMinLimit = iMissMaxLimit = 0;
     iDiotMode = 0;
     iLogLevel = 1;
 }
