@@ -9,7 +9,6 @@ namespace vantorel {
 
 namespace {
 
-constexpr uint16_t iMatchWordValue = 0x4AFC;
 constexpr uint32_t iBaseBits = 0x00FFF000;
 
 // Images are known whose name pointer has this value although the text stands at offset 320.
@@ -95,10 +94,10 @@ int64_t nextmatchword(View image, int64_t from, int64_t to) {
     from = std::max<int64_t>(from, 0);
     while (from < end) {
         const void* found =
-            std::memchr(image.data() + from, iMatchWordValue >> 8, static_cast<size_t>(end - from));
+            std::memchr(image.data() + from, RomTag::iMatch >> 8, static_cast<size_t>(end - from));
         if (found == nullptr) return to;
         from = static_cast<const uint8_t*>(found) - image.data();
-        if (wordat(image, from) == iMatchWordValue) return from;
+        if (wordat(image, from) == RomTag::iMatch) return from;
         ++from;
     }
     return to;
@@ -107,7 +106,7 @@ int64_t nextmatchword(View image, int64_t from, int64_t to) {
 std::optional<uint32_t> romtagbase(View image, int64_t offset) {
     if (!isinside(image, offset, RomTag::iLength)) return std::nullopt;
     const uint8_t* tag = image.data() + offset;
-    if (iUINT16(tag + RomTag::iMatchWord) != iMatchWordValue) return std::nullopt;
+    if (iUINT16(tag + RomTag::iMatchWord) != RomTag::iMatch) return std::nullopt;
     const uint32_t base = iUINT32(tag + RomTag::iMatchTag) - static_cast<uint32_t>(offset);
     if ((base & ~iBaseBits) != 0) return std::nullopt;
     return base;

@@ -12,16 +12,17 @@ namespace vantorel {
 
 /// The fields of a ROMTAG, in bytes from its first.
 namespace RomTag {
-inline constexpr int32_t iMatchWord = 0; ///< word, always 0x4AFC
-inline constexpr int32_t iMatchTag = 2;  ///< CPU address of the ROMTAG itself
-inline constexpr int32_t iEndSkip = 6;   ///< CPU address at which a scan for further tags goes on
-inline constexpr int32_t iFlags = 10;    ///< byte
-inline constexpr int32_t iVersion = 11;  ///< byte
-inline constexpr int32_t iType = 12;     ///< byte, a node type
-inline constexpr int32_t iPri = 13;      ///< signed byte
-inline constexpr int32_t iName = 14;     ///< CPU address of a text
-inline constexpr int32_t iIdString = 18; ///< CPU address of a text
-inline constexpr int32_t iInit = 22;     ///< CPU address of code, or of the auto-init table
+inline constexpr uint16_t iMatch = 0x4AFC; ///< what the match word is
+inline constexpr int32_t iMatchWord = 0;   ///< word
+inline constexpr int32_t iMatchTag = 2;    ///< CPU address of the ROMTAG itself
+inline constexpr int32_t iEndSkip = 6;     ///< CPU address at which a scan for further tags goes on
+inline constexpr int32_t iFlags = 10;      ///< byte
+inline constexpr int32_t iVersion = 11;    ///< byte
+inline constexpr int32_t iType = 12;       ///< byte, a node type
+inline constexpr int32_t iPri = 13;        ///< signed byte
+inline constexpr int32_t iName = 14;       ///< CPU address of a text
+inline constexpr int32_t iIdString = 18;   ///< CPU address of a text
+inline constexpr int32_t iInit = 22;       ///< CPU address of code, or of the auto-init table
 inline constexpr int32_t iLength = 26;
 
 inline constexpr uint8_t cColdStart = 1 << 0;

@@ -16,7 +16,7 @@ namespace vantorel {
 
 namespace {
 
-constexpr std::array<Command, 34> cCommands = {{
+constexpr std::array<Command, 36> cCommands = {{
     {"help", "", command::help},
     {"editcomponent", "COMPONENT start=N | end=N | addrelocs | addreloc N | deletereloc N",
      command::editcomponent},
@@ -42,6 +42,7 @@ constexpr std::array<Command, 34> cCommands = {{
     {"canonisecomponent", "[COMPONENT]", command::canonisecomponent},
     {"savecomponenthash", "[COMPONENT [FILE]]", command::savecomponenthash},
     {"savecomponent", "[COMPONENT [FILE]]", command::savecomponent},
+    {"missassemble", "COMPONENT [onepass]", command::missassemble},
     {"saveromhash", "[FILE]", command::saveromhash},
     {"analyserom", "[ROM]", command::analyserom},
     {"modules", "[ROM]", command::modules},
@@ -49,6 +50,7 @@ constexpr std::array<Command, 34> cCommands = {{
     {"loglevel", "[LEVEL]", command::loglevel},
     {"idiotmode", "", command::idiotmode},
     {"alias", "NAME [VALUE | add N | subtract N | mid START LENGTH | romdata START COUNT]", command::alias},
+    {"findopcode", "START END TEXT", command::findopcode},
     {"find", "START END BYTES", command::find},
     {"patch", "WHERE BYTES", command::patch},
     {"reset", "[roms] [aliases] [auditfiles] [hashes]", command::reset},

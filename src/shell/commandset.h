@@ -33,6 +33,7 @@ void roms();
 
 // Bytes of a ROM
 void find();
+void findopcode();
 void patch();
 
 // The components of a ROM
@@ -43,6 +44,7 @@ void deletecomponent();
 void canonisecomponent();
 void savecomponenthash();
 void savecomponent();
+void missassemble();
 
 // ROMs written to files
 void romprofile();

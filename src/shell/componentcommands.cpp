@@ -9,6 +9,8 @@
 #include "component/savecomponent.h"
 #include "component/selection.h"
 #include "hash/writer.h"
+#include "missassembler/missassemblecomponent.h"
+#include "missassembler/missassemblelibrary.h"
 #include "rom/store.h"
 #include "shell/arguments.h"
 #include "shell/commandset.h"
@@ -211,5 +213,15 @@ void savecomponents(const ComponentSaver& saver) {
 void savecomponenthash() { savecomponents(cHashSaver); }
 
 void savecomponent() { savecomponents(cFileSaver); }
+
+void missassemble() {
+    if (!require(1, "MissAssemble which component?\n") || !isnumber(1)) return;
+    const auto component = numberargument(1);
+    if (!component) return;
+    if (isword(2, "onepass"))
+        missassembleComponent(iCurrentROM, *component);
+    else
+        missassembleLibrary(iCurrentROM, *component);
+}
 
 } // namespace vantorel::command
