@@ -1,9 +1,8 @@
 #include "missassembler/decode.h"
 
 #include "base/message.h"
-#include "missassembler/bounds.h"
+#include "missassembler/finish.h"
 #include "rom/store.h"
-#include "shell/numbers.h"
 
 #include <algorithm>
 #include <cstring>
@@ -31,13 +30,16 @@ namespace {
 
 constexpr int32_t iOpcodeLength = 2;
 
-// Room for a text of `iMissTextMost` characters in which a target replaces a displacement.
-constexpr size_t iTargetMost = 8;
-using WorkText = std::array<char, iMissTextMost + iTargetMost + 1>;
+// Room for a text of `iMissTextMost` characters in which a target replaces a displacement, and for the rest
+// of a literal's last block.
+using WorkText = std::array<char, iMissTextMost + iTargetMost + iLiteralBlock>;
 
-char* writeliteral(char* out, const Expansion& expansion, const Piece& piece) {
-    std::memcpy(out, expansion.literals.data() + piece.at, piece.length);
-    return out + piece.length;
+// In blocks: nearly all literals are shorter than one, and a length that the compiler knows is copied at
+// once.
+char* writeliteral(char* out, const char* from, size_t length) {
+    for (size_t at = 0; at < length; at += iLiteralBlock)
+        std::memcpy(out + at, from + at, iLiteralBlock);
+    return out + length;
 }
 
 char* writeexpansion(char* out, const Expansion& expansion, InstructionBytes& bytes) {
@@ -48,78 +50,23 @@ char* writeexpansion(char* out, const Expansion& expansion, InstructionBytes& by
         ++count;
     }
     for (const Piece& piece : expansion.pieces)
-        out = piece.kind == Piece::Literal ? writeliteral(out, expansion, piece)
-                                           : writepiece(out, piece, values);
+        out = piece.kind == Piece::Literal
+                  ? writeliteral(out, expansion.literals.data() + piece.at, piece.length)
+                  : writepiece(out, piece, values);
     return out;
 }
 
-bool endsdisplacement(char c) { return c == ' ' || c == ',' || c == '$'; }
-
-// Where the displacement before `marker` begins: behind the nearest blank, comma or dollar, never with the
-// first character.
-size_t displacementstart(std::string_view text, size_t marker) {
-    while (marker > 0 && !endsdisplacement(text[marker]))
-        --marker;
-    return marker + 1;
-}
-
-// At least six digits.
-char* writetarget(char* out, uint32_t target) {
-    int digits = 6;
-    while (digits < static_cast<int>(iTargetMost) && target >> (4 * digits) != 0)
-        ++digits;
-    return writehex(out, target, digits);
-}
-
-// Replaces the displacement before the first "(PC)" of the text in [begin, end), or "(pc)" when there is
-// none, by the address that it leads to. The displacement counts from behind the opcode word, at CPU address
-// `from`, whatever words are before it. Returns the new end.
-char* settarget(char* begin, char* end, uint32_t from, int32_t rom) {
-    constexpr size_t markerlength = 4;
-    *end = '\0';
-    const std::string_view text(begin, end);
-    size_t marker = text.find("(PC)");
-    const bool keepmarker = marker != std::string_view::npos;
-    if (!keepmarker) marker = text.find("(pc)");
-    if (marker == std::string_view::npos) return end;
-    char* const displacement = begin + displacementstart(text, marker);
-    const uint32_t target = from + static_cast<uint32_t>(Hex2iINT32(displacement));
-    checkaddressbound(rom, target);
-    std::array<char, iTargetMost> digits;
-    const char* const digitsend = writetarget(digits.data(), target);
-    const char* const rest = begin + marker + (keepmarker ? 0 : markerlength);
-    char* const newrest = displacement + (digitsend - digits.data());
-    std::memmove(newrest, rest, static_cast<size_t>(end - rest));
-    std::copy<const char*>(digits.data(), digitsend, displacement);
-    return newrest + (end - rest);
-}
-
-bool beginsnumber(char c) { return c == ' ' || c == '#' || c == '$' || c == ','; }
-
-bool isupperhex(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
-
-// Copies a text less the zeros that lead its numbers.
-void copywithoutzeros(std::string_view text, MissText& out) {
-    char* to = out.data();
-    const char* const end = text.data() + text.size();
-    for (const char* from = text.data(); from != end;) {
-        const char c = *from++;
-        *to++ = c;
-        if (!beginsnumber(c)) continue;
-        while (end - from >= 2 && *from == '0' && isupperhex(from[1]))
-            ++from;
-    }
-    *to = '\0';
-}
-
-// The instruction's text before targets and zeros are seen to; `hasmarker` tells whether it may hold a
-// marker.
-char* writeinstruction(char* out, uint16_t opcode, InstructionTable& table, InstructionBytes& bytes,
-                       bool& hasmarker) {
-    const Expansion* expansion = isshown(kRaw) ? nullptr : table.expansion(opcode);
-    hasmarker = expansion == nullptr || expansion->hasmarker;
-    if (expansion != nullptr) return writeexpansion(out, *expansion, bytes);
-    return std::ranges::copy(expandinstruction(table.names(), opcode, bytes), out).out;
+// The rest of an instruction whose opcode word has been taken from `bytes`; `expansion` is null when it must
+// be expanded by itself.
+void decode(const MnemonicTable& names, const Expansion* expansion, uint16_t opcode, InstructionBytes& bytes,
+            uint32_t from, MissText& out) {
+    WorkText text;
+    char* end = expansion != nullptr
+                    ? writeexpansion(text.data(), *expansion, bytes)
+                    : std::ranges::copy(expandinstruction(names, opcode, bytes), text.data()).out;
+    if (expansion == nullptr || expansion->hasmarker) end = settarget(text.data(), end, from, bytes.rom);
+    const size_t length = std::min(static_cast<size_t>(end - text.data()), iMissTextMost);
+    *dropzeros(out.data(), {text.data(), length}) = '\0';
 }
 
 } // namespace
@@ -128,15 +75,14 @@ int32_t missassembleA(int32_t rom, int32_t offset, MissText& out, InstructionTab
     const KickstartRom& slot = psKickstartRoms[static_cast<size_t>(rom)];
     InstructionBytes bytes = {.image = slot.pcROM, .offset = offset, .rom = rom};
     const auto opcode = static_cast<uint16_t>(bytes.take(iOpcodeLength));
-    WorkText text;
-    bool hasmarker = false;
-    char* end = writeinstruction(text.data(), opcode, table, bytes, hasmarker);
-    if (hasmarker) {
-        const uint32_t from = slot.iROMBase + static_cast<uint32_t>(offset) + iOpcodeLength;
-        end = settarget(text.data(), end, from, rom);
+    // Traces show each pass.
+    const Expansion* expansion = isshown(kRaw) ? nullptr : table.expansion(opcode);
+    if (expansion != nullptr && expansion->isfixed) {
+        writeliteral(out.data(), expansion->literals.data(), expansion->literals.size() - iLiteralBlock + 1);
+        return bytes.length;
     }
-    const size_t length = std::min(static_cast<size_t>(end - text.data()), iMissTextMost);
-    copywithoutzeros({text.data(), length}, out);
+    const uint32_t from = slot.iROMBase + static_cast<uint32_t>(offset) + iOpcodeLength;
+    decode(table.names(), expansion, opcode, bytes, from, out);
     return bytes.length;
 }
 

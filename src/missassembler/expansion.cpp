@@ -2,6 +2,7 @@
 
 #include "base/message.h"
 #include "base/text.h"
+#include "missassembler/finish.h"
 #include "shell/numbers.h"
 
 #include <algorithm>
@@ -241,6 +242,12 @@ Expansion Expander::finished() {
     // No piece is part of a marker, but an empty register list may stand in the middle of one.
     expansion.hasmarker = expansion.literals.find("(PC)") != std::string::npos ||
                           expansion.literals.find("(pc)") != std::string::npos;
+    expansion.isfixed = fetches.empty() && !expansion.hasmarker;
+    if (expansion.isfixed) {
+        std::string& text = expansion.literals;
+        text.resize(static_cast<size_t>(dropzeros(text.data(), text) - text.data()));
+    }
+    expansion.literals.append(iLiteralBlock, '\0');
     expansion.fetches = std::move(fetches);
     return expansion;
 }

@@ -16,9 +16,13 @@ namespace vantorel {
 struct Expansion {
     std::vector<Fetch> fetches; ///< in the order of the bytes; at most `iFetchesMost`
     std::vector<Piece> pieces;  ///< in the order of the text; at most `iMissTextMost` characters in all
-    std::string literals;       ///< the characters of all literal pieces
+    std::string literals;       ///< the characters of all literal pieces, and `iLiteralBlock` NULs
     bool hasmarker = false;     ///< whether the text may hold "(PC)" or "(pc)"
+    bool isfixed = false;       ///< whether `literals` is the text of every such instruction, finished
 };
+
+/// Literals may be read in blocks of this many characters.
+inline constexpr size_t iLiteralBlock = 16;
 
 inline constexpr size_t iFetchesMost = 16;
 
