@@ -6,11 +6,14 @@
 It is written from what the codes mean (missassemble.md, beside the table), not from the program's source.
 """
 
+import functools
 import pathlib
+import re
 import sys
 
 MAX_TEXT = 255
 MAX_PASSES = 32
+LEADING_ZEROS = re.compile(r"(?<=[ #$,])0+(?=[0-9A-F])")
 CONTROL_REGISTERS = {
     0x000: "SFC (68010+)",
     0x001: "DFC (68010+)",
@@ -83,6 +86,7 @@ def by_word(entries: list) -> list:
     return winners
 
 
+@functools.lru_cache(maxsize=None)
 def digit(c: str) -> int:
     """A hex digit's value; what is no digit counts on from '0', as ')' = -7 does."""
     if "a" <= c.lower() <= "f":
@@ -250,15 +254,7 @@ def signed_hex(digits: str) -> int:
 
 
 def strip_zeros(text: str) -> str:
-    out = []
-    leading = False
-    for n, c in enumerate(text):
-        follower = text[n + 1 : n + 2]
-        if leading and c == "0" and follower and follower in "0123456789ABCDEF":
-            continue
-        out.append(c)
-        leading = c in " #$,"
-    return "".join(out)
+    return LEADING_ZEROS.sub("", text)
 
 
 def decode(table: Table, data: bytes, base: int) -> "tuple[int, str]":

@@ -3,7 +3,7 @@
 An operand is a tuple whose first element is its kind:
 
     ("regs", mask)                          data and address registers, bit 0 = D0, bit 15 = A7
-    ("special", name)                       CCR, SR, USP
+    ("special", name)                       CCR, SR, a control register, a cache
     ("at", "(a0)+")                         a register and nothing else
     ("off", register, displacement)         d16(An)
     ("index", base, displacement, index, full)
@@ -67,6 +67,7 @@ def index_of(word: int) -> "tuple[str, str, int]":
 
 THEIR_REGISTERS = re.compile(r"%(?:[da][0-7]|fp|sp)(?:[/-]%(?:[da][0-7]|fp|sp))*")
 THEIR_NUMBER = re.compile(r"#-?\d+")
+THEIR_SPECIAL = re.compile(r"%(?!zpc|pc)[a-z]{2,5}[01]?|[ndib]c")
 THEIR_AT = re.compile(r"%(a[0-7]|fp|sp)@([+-]?)")
 THEIR_OFF = re.compile(r"%(a[0-7]|fp|sp)@\((-?\d+)\)")
 THEIR_PC = re.compile(r"%pc@\(0x([0-9a-f]+)\)")
@@ -85,8 +86,8 @@ def their_fixed_operand(text: str) -> "tuple | None":
     """An operand whose meaning does not hang on where the instruction stands; else None."""
     if THEIR_REGISTERS.fullmatch(text):
         return "regs", register_mask(text, "%")
-    if text in ("%ccr", "%sr", "%usp"):
-        return "special", text[1:]
+    if THEIR_SPECIAL.fullmatch(text):
+        return "special", text.removeprefix("%")
     if THEIR_NUMBER.fullmatch(text):
         return "imm", int(text[1:])
     if text.isdecimal():
@@ -143,36 +144,50 @@ def theirs(text: str, length: int, at: int) -> "tuple[str, list]":
 
 # ------------------------------------------------------------------------------------------------------ ours
 
+# Only these have no size, but for the ones of later processors and coprocessors.
+UNSIZED = (
+    "[ASN]BCD|EXG|SWAP|LEA|PEA|JMP|JSR|TAS|MOVE|MOVEQ|TRAPV?|LINK|UNLK|STOP|BTST|BCHG|BCLR|BSET|ILLEGAL|NOP|RESET"
+    "|RT[ERSDM]|B(RA|SR)|(D?B|S|TRAP)(T|F|HI|LS|CC|CS|NE|EQ|VC|VS|PL|MI|GE|LT|GT|LE)"
+    "|BKPT|MOVEC|CALLM|PACK|UNPK|BF[A-Z]+|MOVE16|HALT|PULSE|LPSTOP|CINV[LPA]|CPUSH[LPA]|PLPA[RW]|[FP][A-Z]+(cc)?"
+)
+OUR_NAME = re.compile(UNSIZED + r"|[A-Z0-9]+(cc|/CMP2)?\.[BWL]")
 OUR_REGISTERS = re.compile(r"[DA][0-7](?:[/-][DA][0-7])*")
+OUR_IMMEDIATE = re.compile(r"#(?:\$([0-9A-F]+)|(\d+))")
 OUR_AT = re.compile(r"\(A[0-7]\)\+?|-\(A[0-7]\)")
 OUR_OFF = re.compile(r"\$([0-9A-F]+)\((A[0-7])\)")
 OUR_SHORT = re.compile(r"\(\$([0-9A-F]+)\)\.W")
 OUR_INDEX = re.compile(r"\[X:([0-9A-F]{4})\]([0-9A-F]+|\?)\((A[0-7]|PC),\[X:([0-9A-F]{4})\]([AD][0-7])\)")
 OUR_SECOND_INDEX = re.compile(r"\[X:([0-9A-F]{4})\]\((A[0-7]),Xn\)")
 OUR_WORD = re.compile(r"\[([0-9A-F]{4})\]")
+OUR_WORD_REGISTER = re.compile(r"\(\[X:[89A-F][0-9A-F]{3}\](A[0-7])\)\+")
+OUR_SPECIAL = re.compile(r"(CCR|SR|USP|NC|DC|IC|BC)|([A-Z]{3,4}) \(680[12]0\+\)|\((unknown)\)")
 
 
 @functools.lru_cache(maxsize=1 << 16)
 def our_operand(text: str) -> tuple:
-    """What the table spells; a distance from the PC is still an address, ("target", address)."""
+    """What the table spells; a distance from the PC is still an address.
+
+    By its signs an address is ("bare", address), ("abs", address), ("target", address) before "(PC)", or with both
+    signs ("loop target", address).
+    """
     if OUR_REGISTERS.fullmatch(text):
         return "regs", register_mask(text.lower(), "")
     if not text:  # an empty list
         return "regs", 0
-    if text in ("CCR", "SR", "USP"):
-        return "special", text.lower()
-    if text.startswith("#$"):
-        return "imm", int(text[2:], 16)
-    if text.startswith("#"):
-        return "imm", int(text[1:])
+    if found := OUR_SPECIAL.fullmatch(text):
+        return "special", found[found.lastindex].lower()
+    if found := OUR_IMMEDIATE.fullmatch(text):
+        return "imm", int(found[1], 16) if found[1] else int(found[2])
     if OUR_AT.fullmatch(text):
         return "at", text.lower()
     if found := OUR_OFF.fullmatch(text):
         return "off", found[2].lower(), signed(int(found[1], 16), 16)
     if found := OUR_SHORT.fullmatch(text):
-        return "abs", signed(int(found[1], 16), 16) & MASK32
+        return "abs", signed(int(found[1], 16), 16) & MASK32, "short"
     if found := OUR_WORD.fullmatch(text):
         return "word", int(found[1], 16)
+    if found := OUR_WORD_REGISTER.fullmatch(text):
+        return "at", f"({found[1].lower()})+"
     if found := OUR_INDEX.fullmatch(text):
         return our_index(found)
     if found := OUR_SECOND_INDEX.fullmatch(text):
@@ -182,10 +197,9 @@ def our_operand(text: str) -> tuple:
 
 
 def our_address(text: str) -> tuple:
-    if text.endswith("(PC)"):
-        return "target", int(text[:-4].removeprefix("$"), 16)
-    if re.fullmatch(r"\$?[0-9A-F]+", text):
-        return ("abs" if text.startswith("$") else "bare"), int(text.removeprefix("$"), 16)
+    if found := re.fullmatch(r"(\$?)([0-9A-F]+)(\(PC\))?", text):
+        kind = {"": ("bare", "target"), "$": ("abs", "loop target")}[found[1]][found[3] is not None]
+        return kind, int(found[2], 16)
     raise Misspelt(text)
 
 
@@ -207,36 +221,40 @@ def our_index(found: "re.Match") -> tuple:
     return "index", base, shown & MASK32, index, full
 
 
-# A size is added where the table, as the manuals do, writes none.
-OUR_NAMES = {"chk2/cmp2b": "chk2b", "chk2/cmp2w": "chk2w", "chk2/cmp2l": "chk2l"}
 
 
 def ours(text: str, base: int) -> "tuple[str, list]":
     """The decoder's text of an instruction at address `base`."""
-    mnemonic, _, rest = text.partition(" ")
-    mnemonic = mnemonic.replace(".", "").lower()
-    mnemonic = OUR_NAMES.get(mnemonic, mnemonic)
+    name, _, rest = text.partition(" ")
+    if not OUR_NAME.fullmatch(name):
+        raise Misspelt(name)
+    mnemonic = name.replace(".", "").lower()
     operands = list(map(our_operand, split_operands(rest)))
     if mnemonic == "move":
         mnemonic = "movel" if ("special", "usp") in operands else "movew"
-    branch = is_branch(mnemonic)
     ahead = bytes_ahead(mnemonic, operands)
-    return mnemonic, [settled(operand, branch, ahead, base) for operand in operands]
+    return mnemonic, [settled(mnemonic, operand, ahead, base) for operand in operands]
 
 
-def settled(operand: tuple, branch: bool, ahead: int, base: int) -> tuple:
-    """Distances count from the instruction's first byte, as the processor does it.
+def settled(mnemonic: str, operand: tuple, ahead: int, base: int) -> tuple:
+    """Addresses in the place and with the signs at which what follows the flow looks for them.
 
-    The decoder takes every displacement for the word behind the opcode; where others stand before it, the processor
-    counts from further on.
+    Distances count from the instruction's first byte, as the processor does it: the decoder takes every displacement
+    for the word behind the opcode; where others stand before it, the processor counts from further on.
     """
-    if operand[0] == "target" or (operand[0] == "bare" and branch):
-        return "pc", operand[1] - base + ahead & MASK32
-    if operand[0] == "bare":
+    kind = operand[0]
+    loop = mnemonic.startswith(("db", "fdb", "pdb"))
+    if kind == "bare" and mnemonic in ("jmp", "jsr"):
         return "abs", operand[1]
-    if operand[0] == "index" and operand[1] == "pc":
+    if kind in ("bare", "target", "loop target"):
+        if kind != ("loop target" if loop else "bare" if is_branch(mnemonic) else "target"):
+            raise Misspelt(f"{mnemonic} {operand}")
+        return "pc", operand[1] - base + ahead & MASK32
+    if kind == "abs" and mnemonic in ("jmp", "jsr") and operand[2:] != ("short",):
+        raise Misspelt(f"{mnemonic} {operand}")
+    if kind == "index" and operand[1] == "pc":
         return "index", "pc", operand[2] + 2 + ahead & MASK32, *operand[3:]
-    return operand
+    return operand[:2] if kind == "abs" else operand
 
 
 def bytes_ahead(mnemonic: str, operands: list) -> int:
@@ -252,6 +270,7 @@ def bytes_ahead(mnemonic: str, operands: list) -> int:
 # ------------------------------------------------------------------------------------------------ comparing
 
 BYTE_IMMEDIATES = ("btst", "bchg", "bclr", "bset", "moveq", "callm")
+NAMED_CONTROLS = [("special", name) for name in "sfc dfc cacr usp vbr caar msp isp".split()]
 
 
 @functools.lru_cache(maxsize=None)
@@ -266,6 +285,8 @@ def same_operand(mnemonic: str, our: tuple, their: tuple) -> bool:
         return not (our[1] ^ their[1]) & immediate_mask(mnemonic)
     if our[0] == "index" and their[0] == "index":
         return our[:4] == their
+    if our == ("special", "unknown"):
+        return their not in NAMED_CONTROLS
     return our == their
 
 
