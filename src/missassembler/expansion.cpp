@@ -191,6 +191,8 @@ size_t Expander::expandcode(size_t at) {
     const char second = codechar(at + 2);
     if (first == '(') {
         expandlookup({second, codechar(at + 3), codechar(at + 4)});
+        // Whatever closes it is swallowed; of a piece, which is more characters than one, only the first.
+        static_cast<void>(codechar(at + 5));
         return lookuplength;
     }
     if (first == '%')
