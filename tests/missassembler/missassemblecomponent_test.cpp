@@ -377,6 +377,10 @@ TEST_F(OnePassEnd, StopsThatAreLeftMakeItPremature) {
     EXPECT_EQ(taggedlines("4E71", 0xF801D0, 0xF801C1),
               "F80100 NOP\nMissassember, premature end (component runs until at least 0xF801D0):\n")
         << "the highest of them";
+    EXPECT_EQ(taggedlines("4E71 4E71", 0xF801D0, 0xF80103),
+              "F80100 NOP\nF80102 NOP\n"
+              "Missassember, premature end (component runs until at least 0xF801D0):\n")
+        << "the lowest was never reached, but is not beyond the end";
     EXPECT_EQ(taggedlines("4E71", 0xF80102), "F80100 NOP\n") << "its end is not beyond it";
 }
 

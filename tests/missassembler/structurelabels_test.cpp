@@ -157,6 +157,16 @@ TEST_F(StructureLabels, LongVectorsGetOneStop) {
                             Lines({"f80160 XINIT Vectors: \n"}));
 }
 
+TEST_F(StructureLabels, OnlyAFirstWordOfFFFFMakesWordVectors) {
+    for (const char* first : {"FFFE 0010 FFFF", "FF00 0010 FFFF", "0000 FFFF FFFF"}) {
+        freestoplabels();
+        putowntable({.vectors = iOwnVectors, .initstruct = 0xF80102});
+        putbytes(iOwnVectorsAt, hexed(first));
+        static_cast<void>(add());
+        EXPECT_EQ(placed().back(), "f80160 XINIT Vectors: \n") << first;
+    }
+}
+
 TEST_F(StructureLabels, ALibraryInitOf0GetsNone) {
     putowntable({.vectors = iOwnVectors, .initstruct = 0xF80102, .init = 0});
     iMissMin = 0xF80100;
