@@ -110,64 +110,55 @@ int deletereloc(int32_t rom, int32_t component, int32_t offset) {
     return createextract(rom, component);
 }
 
+RelocBatch::RelocBatch(int32_t itsrom, int32_t itscomponent)
+    : rom(itsrom), component(itscomponent), before(findrecord(rom, component)->ipRelocs) {
+    std::ranges::sort(before);
+}
+
+void RelocBatch::add(int32_t offset) {
+    if (!admitreloc(rom, component, offset, std::ranges::binary_search(before, offset))) return;
+    if (isshown(kProgress))
+        insertreloc(rom, component, offset);
+    else
+        found.push_back(offset);
+}
+
+// Puts each of what was found before the larger ones at the list's end, as inserting them one by one does.
+void RelocBatch::finish() {
+    if (found.empty()) return;
+    std::vector<int32_t>& relocs = findrecord(rom, component)->ipRelocs;
+    std::vector<int32_t> merged(relocs.size() + found.size());
+    std::merge(found.rbegin(), found.rend(), relocs.rbegin(), relocs.rend(), merged.rbegin(),
+               std::greater<>());
+    relocs = std::move(merged);
+    found.clear();
+    createextract(rom, component);
+}
+
 namespace {
 
-// The scan of a component for longs that point into it. Unless each step is to be shown, what it finds goes
-// into the list, and into the extract, all at once: one by one it would take as many passes over both as
-// there are relocs.
-class RelocScan {
-public:
-    RelocScan(int32_t slotnumber, int32_t number)
-        : rom(slotnumber), component(number), before(findrecord(rom, component)->ipRelocs) {
-        std::ranges::sort(before);
-    }
-
-    void run() {
-        const KickstartRom& slot = *findslot(rom);
-        const Component& record = *findrecord(rom, component);
-        const auto first = static_cast<uint32_t>(record.iStart);
-        const auto last = first + static_cast<uint32_t>(record.iSize);
-        message(kResult, "Adding potential relocs %08x to %08x\n", first, last);
-        for (int64_t place = first; place < last; place += 2) {
-            const auto value = longat(slot.pcROM, place);
-            if (!value || *value - slot.iROMBase < first || *value - slot.iROMBase > last) continue;
-            add(static_cast<int32_t>(place - first));
-            place += 2;
-        }
-        mergefound();
-        message(kResult, "%d potential relocs added\n", count);
-    }
-
-private:
-    // The trace names the reloc as the scan has it, which has moved on by a word already.
-    void add(int32_t offset) {
-        ++count;
-        message(kTrace, "Potential RELOC=%d\n", offset + 2);
-        if (!admitreloc(rom, component, offset, std::ranges::binary_search(before, offset))) return;
-        if (isshown(kProgress))
-            insertreloc(rom, component, offset);
-        else
-            found.push_back(offset);
-    }
-
-    // Puts each of what was found before the larger ones at the list's end, as inserting them one by one
-    // does.
-    void mergefound() {
-        if (found.empty()) return;
-        std::vector<int32_t>& relocs = findrecord(rom, component)->ipRelocs;
-        std::vector<int32_t> merged(relocs.size() + found.size());
-        std::merge(found.rbegin(), found.rend(), relocs.rbegin(), relocs.rend(), merged.rbegin(),
-                   std::greater<>());
-        relocs = std::move(merged);
-        createextract(rom, component);
-    }
-
-    int32_t rom;
-    int32_t component;
-    std::vector<int32_t> before; // the relocs that the component came with, ascending
-    std::vector<int32_t> found;  // those to be merged, ascending
+// Adds every long of the component that points into it, and returns how many there are.
+int32_t scanrelocs(int32_t rom, int32_t component) {
+    const KickstartRom& slot = *findslot(rom);
+    const Component& record = *findrecord(rom, component);
+    const auto first = static_cast<uint32_t>(record.iStart);
+    const auto last = first + static_cast<uint32_t>(record.iSize);
+    message(kResult, "Adding potential relocs %08x to %08x\n", first, last);
+    RelocBatch batch(rom, component);
     int32_t count = 0;
-};
+    for (int64_t place = first; place < last; place += 2) {
+        const auto value = longat(slot.pcROM, place);
+        if (!value || *value - slot.iROMBase < first || *value - slot.iROMBase > last) continue;
+        ++count;
+        const auto offset = static_cast<int32_t>(place - first);
+        // The trace names the reloc as the scan has it, which has moved on by a word already.
+        message(kTrace, "Potential RELOC=%d\n", offset + 2);
+        batch.add(offset);
+        place += 2;
+    }
+    batch.finish();
+    return count;
+}
 
 } // namespace
 
@@ -175,7 +166,7 @@ void addrelocs(int32_t rom, int32_t component) {
     KickstartRom* slot = requireslot(rom);
     if (slot == nullptr || requirecomponent(*slot, component) == nullptr || !requirefit(*slot, component))
         return;
-    RelocScan(rom, component).run();
+    message(kResult, "%d potential relocs added\n", scanrelocs(rom, component));
 }
 
 } // namespace vantorel

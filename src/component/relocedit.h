@@ -3,6 +3,7 @@
 // is rebuilt after each change.
 
 #include <cstdint>
+#include <vector>
 
 namespace vantorel {
 
@@ -11,6 +12,24 @@ namespace vantorel {
 /// when there is no such slot or component, the component has no ROMTAG or does not lie in its image, the
 /// reloc's long does not lie inside it, or the list has it already (told above level 1).
 int addreloc(int32_t rom, int32_t component, int32_t offset);
+
+/// Relocs of one component added one after the other, in ascending order, as `addreloc` adds them. Unless
+/// each step is to be shown (above level 1), they go into list and extract all at once, by `finish`: one by
+/// one they would take as many passes over both as there are.
+class RelocBatch {
+public:
+    /// Slot and component exist.
+    RelocBatch(int32_t itsrom, int32_t itscomponent);
+
+    void add(int32_t offset);
+    void finish();
+
+private:
+    int32_t rom;
+    int32_t component;
+    std::vector<int32_t> before; ///< the relocs that the component came with, ascending
+    std::vector<int32_t> found;  ///< those still to be put into the list, ascending
+};
 
 /// Takes the reloc at `offset` out of the list. Returns 0; 1 with an error line, nothing changed, when there
 /// is no such slot, component or reloc or the component does not lie in its image.

@@ -16,7 +16,7 @@ namespace vantorel {
 
 namespace {
 
-constexpr std::array<Command, 36> cCommands = {{
+constexpr std::array<Command, 40> cCommands = {{
     {"help", "", command::help},
     {"editcomponent", "COMPONENT start=N | end=N | addrelocs | addreloc N | deletereloc N",
      command::editcomponent},
@@ -32,6 +32,7 @@ constexpr std::array<Command, 36> cCommands = {{
     {"auditfiles", "DIRECTORY", command::auditfiles},
     {"loadhashes", "[DIRECTORY]", command::loadhashes},
     {"adfsavefile", "ADFPATH [FILE]", command::adfsavefile},
+    {"adfsavezip", "FILE", command::adfsavezip},
     {"loadadf", "FILE", command::loadadf},
     {"adflist", "", command::adflist},
     {"loadrom", "FILE [ROM] | HIGH LOW [ROM]", command::loadrom},
@@ -44,7 +45,10 @@ constexpr std::array<Command, 36> cCommands = {{
     {"savecomponent", "[COMPONENT [FILE]]", command::savecomponent},
     {"missassemble", "COMPONENT [onepass]", command::missassemble},
     {"saveromhash", "[FILE]", command::saveromhash},
+    {"savertb", "[FILE]", command::savertb},
+    {"analysecomponent", "COMPONENT [addrelocs | ROM:COMPONENT [BYTES]]", command::analysecomponent},
     {"analyserom", "[ROM]", command::analyserom},
+    {"analyseromoffsets", "[ROM]", command::analyseromoffsets},
     {"modules", "[ROM]", command::modules},
     {"rom", "[ROM]", command::rom},
     {"loglevel", "[LEVEL]", command::loglevel},

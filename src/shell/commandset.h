@@ -20,6 +20,7 @@ void loadhashes();
 void loadadf();
 void adflist();
 void adfsavefile();
+void adfsavezip();
 
 // ROMs
 void rombase();
@@ -27,6 +28,7 @@ void romname();
 void newrom();
 void loadrom();
 void analyserom();
+void analyseromoffsets();
 void modules();
 void rom();
 void roms();
@@ -45,11 +47,13 @@ void canonisecomponent();
 void savecomponenthash();
 void savecomponent();
 void missassemble();
+void analysecomponent();
 
 // ROMs written to files
 void romprofile();
 void saveprofile();
 void saverom();
 void saveromhash();
+void savertb();
 
 } // namespace vantorel::command

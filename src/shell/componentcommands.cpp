@@ -1,5 +1,7 @@
 // The commands on the components of a ROM.
 
+#include "analysis/analysecomponent.h"
+#include "analysis/deepanalyse.h"
 #include "base/message.h"
 #include "base/text.h"
 #include "build/virtualcomponents.h"
@@ -222,6 +224,43 @@ void missassemble() {
         missassembleComponent(iCurrentROM, *component);
     else
         missassembleLibrary(iCurrentROM, *component);
+}
+
+namespace {
+
+// Compares component `component` of the current ROM with the one that `other`, "ROM:COMPONENT", names.
+void deepanalyse(int32_t component, const std::string& other) {
+    message(kProgress, "Deep analyse component %s with %s\n", argument(1), other.c_str());
+    const size_t colon = other.find(':');
+    const std::string rom = other.substr(0, colon);
+    const std::string module = other.substr(colon + 1);
+    if (!isnumeric(rom.c_str()) || !isnumeric(module.c_str()))
+        return message(kResult, "ERROR, ROM and MODULE need to be numbers\n");
+    const auto romnumber = decimalinrange(rom.c_str());
+    if (!romnumber) return refusenumber(rom.c_str());
+    const auto modulenumber = decimalinrange(module.c_str());
+    if (!modulenumber) return refusenumber(module.c_str());
+    const auto least = countargument(3);
+    if (!least) return;
+    deepanalysecomponent(iCurrentROM, component, *romnumber, *modulenumber,
+                         *least != 0 ? *least : iChunkLeast);
+}
+
+} // namespace
+
+void analysecomponent() {
+    if (!require(1, "ERROR, please specify component\n")) return;
+    if (!isnumber(1)) return message(kResult, "ERROR, please specify component number\n");
+    const auto component = numberargument(1);
+    if (!component) return;
+    const std::string other = argument(2);
+    if (other.find(':') != std::string::npos) return deepanalyse(*component, other);
+    if (!other.empty() && !isword(2, "addrelocs"))
+        return message(kResult,
+                       "ERROR, please specify component to compare with ROM:MODULE or addrelocs to add "
+                       "all verified relocs\n");
+    vantorel::analysecomponent(iCurrentROM, *component,
+                               other.empty() ? VerifiedRelocs::Tell : VerifiedRelocs::Add);
 }
 
 } // namespace vantorel::command

@@ -1,6 +1,7 @@
 // The commands on libraries of files: the hash library, the audit and the disk image.
 
 #include "adf/disk.h"
+#include "adf/savezip.h"
 #include "audit/audit.h"
 #include "audit/basename.h"
 #include "base/message.h"
@@ -31,6 +32,11 @@ void adflist() {
 void adfsavefile() {
     if (!require(1, "ERROR, please specify the file to save from the ADF\n")) return;
     vantorel::adfsavefile(argument(1), isgiven(2) ? argument(2) : mBasename(argument(1)));
+}
+
+void adfsavezip() {
+    if (require(1, "ERROR, please specify the new zip file name to save to\n"))
+        vantorel::adfsavezip(argument(1));
 }
 
 } // namespace vantorel::command

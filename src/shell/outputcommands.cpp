@@ -5,6 +5,7 @@
 #include "output/profile.h"
 #include "output/saveprofile.h"
 #include "output/saverom.h"
+#include "output/savertb.h"
 #include "rom/store.h"
 #include "shell/arguments.h"
 #include "shell/commandset.h"
@@ -93,6 +94,8 @@ void saverom() {
     message(kTrace, "Save ROM: %s\n", argument(1));
     vantorel::saverom(iCurrentROM, argument(1));
 }
+
+void savertb() { vantorel::savertb(iCurrentROM, argument(1)); }
 
 void saveromhash() { vantorel::saveromhash(iCurrentROM, argument(1)); }
 

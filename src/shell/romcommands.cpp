@@ -1,5 +1,6 @@
 // The commands on ROMs.
 
+#include "analysis/analysecomponent.h"
 #include "base/message.h"
 #include "rom/analyse.h"
 #include "rom/listing.h"
@@ -116,6 +117,10 @@ void loadrom() {
 
 void analyserom() {
     if (const auto slot = slotargument(1)) vantorel::analyserom(*slot);
+}
+
+void analyseromoffsets() {
+    if (const auto slot = slotargument(1)) vantorel::analyseromoffsets(*slot);
 }
 
 void modules() {
