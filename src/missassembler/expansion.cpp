@@ -219,7 +219,9 @@ void Expander::pass() {
 }
 
 bool Expander::run(std::string_view text) {
-    source.assign(text.begin(), text.end());
+    source.clear();
+    for (const char c : text)
+        source.push_back(static_cast<unsigned char>(c));
     for (int passes = 0; passes < iPassesMost && good; ++passes) {
         if (std::ranges::find(source, Symbol{'%'}) == source.end()) break;
         if (live != nullptr && isshown(kRaw)) message(kRaw, "cMnI=[%s]\n", livetext().c_str());
