@@ -14,7 +14,7 @@ namespace {
 // The walk over one ROMTAG's structures.
 class Tag {
 public:
-    Tag(Walk& itswalk, int32_t itsoffset) : walk(itswalk), offset(itsoffset) {}
+    Tag(Walk& itswalk, int64_t itsoffset) : walk(itswalk), offset(itsoffset) {}
 
     // How many entry points it has.
     int32_t add();
@@ -31,7 +31,7 @@ private:
     void addvector(int64_t entry, int64_t target, int32_t number, char type);
 
     Walk& walk;
-    int32_t offset; // component offset of the tag
+    int64_t offset; // component offset of the tag
     int32_t entries = 0;
 };
 
@@ -165,11 +165,11 @@ void Tag::addvector(int64_t entry, int64_t target, int32_t number, char type) {
 
 int32_t addromtagentries(Walk& walk) {
     int32_t entries = 0;
-    for (int32_t offset = 0; offset < walk.record.iSize; offset += 2) {
+    for (int64_t offset = 0; offset < walk.record.iSize; offset += 2) {
         if (wordat(walk.bytes, offset) != RomTag::iMatch) continue;
         if (longat(walk.bytes, offset + RomTag::iMatchTag) != walk.address + static_cast<uint32_t>(offset))
             continue;
-        message(kTrace, "ROMTAG @ %d\n", offset);
+        message(kTrace, "ROMTAG @ %d\n", static_cast<int32_t>(offset));
         entries += Tag(walk, offset).add();
     }
     return entries;

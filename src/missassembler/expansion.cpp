@@ -82,8 +82,10 @@ void Expander::put(Symbol symbol) {
 }
 
 void Expander::put(std::string_view text) {
-    for (const char c : text)
+    for (const char c : text) {
+        if (result.size() == iMissTextMost && longestresult > iMissTextMost) return;
         put(Symbol{static_cast<unsigned char>(c)});
+    }
 }
 
 uint16_t Expander::take(Fetch what) {

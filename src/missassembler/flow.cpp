@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
+#include <optional>
 #include <vector>
 
 namespace vantorel {
@@ -61,10 +63,43 @@ const FlowKind* flowkind(std::string_view text) {
 
 namespace {
 
+// An instruction as the walk sees it.
+struct Instruction {
+    int32_t length = 0; // bytes
+    const FlowKind* kind = nullptr;
+    std::optional<uint32_t> target; // a CPU address
+
+    [[nodiscard]] bool isend() const { return kind != nullptr && kind->isend; }
+    // Whether it goes to a place that its text does not tell.
+    [[nodiscard]] bool iscomplex() const { return kind != nullptr && kind->iTarget != 0 && !target; }
+};
+
+// The target of an instruction spelt `text`; none when the text does not tell it.
+std::optional<uint32_t> targetof(const FlowKind& kind, const char* text) {
+    const std::string_view spelt = text;
+    const bool isrelative = spelt.find("(PC)") != std::string_view::npos;
+    if (!isrelative && (kind.isdecrement || spelt.find('(') != std::string_view::npos)) return std::nullopt;
+    const size_t place = std::min(static_cast<size_t>(kind.iTarget), spelt.size());
+    const uint32_t target = hex6toi(text + place);
+    message(kTrace, "%s %6x\n", kind.cTrace, target);
+    return target;
+}
+
+Instruction instructionat(const Walk& walk, int32_t at) {
+    MissText text;
+    Instruction instruction;
+    instruction.length = missassembleA(walk.rom, walk.record.iStart + at, text, sMnemonic);
+    message(kTrace, "Mnemonic -> %s\n", text.data());
+    instruction.kind = flowkind(text.data());
+    if (instruction.kind != nullptr && instruction.kind->iTarget != 0)
+        instruction.target = targetof(*instruction.kind, text.data());
+    return instruction;
+}
+
 // What the paths walked so far leave for later ones. A path that comes to the first byte of an instruction
 // that was walked before goes on exactly as that one went: all it could mark is marked, and all that it
-// changes is to add the same comments again. So it need not be walked again, only counted; walking it would
-// take time out of all proportion where many paths join.
+// changes is to add the same comments again. So these are only counted; walking it would take time, and
+// keeping them memory, out of all proportion where many paths join.
 class Paths {
 public:
     explicit Paths(Walk& itswalk)
@@ -75,14 +110,16 @@ public:
 private:
     // An instruction of the present path.
     struct Step {
-        int32_t offset; // component offset
+        int64_t offset; // component offset
         bool iscommented;
     };
 
-    bool followinstruction(int32_t& at);
-    bool followtarget(int32_t at, const FlowKind& kind, const char* text);
+    [[nodiscard]] bool isinside(int64_t at) const { return at < walk.record.iSize; }
+    int64_t followinstruction(int64_t at);
+    void show(int64_t at) const;
 
     static constexpr int32_t iNotWalked = -1;
+    static constexpr int64_t iPathEnd = std::numeric_limits<int64_t>::max();
 
     Walk& walk;
     // For the first byte of each instruction walked, the comments added from it to the end of its path.
@@ -90,53 +127,42 @@ private:
     std::vector<Step> steps;
 };
 
-// Whether the path goes on behind the instruction at `at`, which is moved there.
-bool Paths::followinstruction(int32_t& at) {
-    MissText text;
-    const int32_t length = missassembleA(walk.rom, walk.record.iStart + at, text, sMnemonic);
-    markcode(walk, at, length);
-    message(kTrace, "Mnemonic -> %s\n", text.data());
-    const FlowKind* kind = flowkind(text.data());
-    const bool iscommented = kind != nullptr && kind->iTarget != 0 && !followtarget(at, *kind, text.data());
-    steps.push_back({at, iscommented});
-    at += length;
-    return kind == nullptr || !kind->isend;
+// Returns where the path goes on, `iPathEnd` when it does not.
+int64_t Paths::followinstruction(int64_t at) {
+    const auto place = static_cast<int32_t>(at);
+    const Instruction instruction = instructionat(walk, place);
+    markcode(walk, place, instruction.length);
+    if (instruction.target) {
+        const int64_t offset = componentoffset(walk, *instruction.target);
+        if (isincomponent(walk, offset) && walk.marks[static_cast<size_t>(offset)] == Walk::NotReached)
+            markentry(walk, offset);
+    }
+    if (instruction.iscomplex())
+        addmisslabel(instruction.kind->isdecrement ? "; Complex relative branch"
+                                                   : "; Complex relative branch or jump",
+                     place, MissType::cNone, 1);
+    steps.push_back({at, instruction.iscomplex()});
+    return instruction.isend() ? iPathEnd : at + instruction.length;
 }
 
-// Makes the target of the instruction at `at` an entry point; false, and a comment, when its text tells none.
-bool Paths::followtarget(int32_t at, const FlowKind& kind, const char* text) {
-    const std::string_view spelt = text;
-    const bool isrelative = spelt.find("(PC)") != std::string_view::npos;
-    if (!isrelative && (kind.isdecrement || spelt.find('(') != std::string_view::npos)) {
-        addmisslabel(kind.isdecrement ? "; Complex relative branch" : "; Complex relative branch or jump", at,
-                     MissType::cNone, 1);
-        return false;
+// Traces show every step, however often it is taken.
+void Paths::show(int64_t at) const {
+    while (isinside(at)) {
+        const Instruction instruction = instructionat(walk, static_cast<int32_t>(at));
+        at = instruction.isend() ? iPathEnd : at + instruction.length;
     }
-    const size_t place = std::min(static_cast<size_t>(kind.iTarget), spelt.size());
-    const uint32_t target = hex6toi(text + place);
-    message(kTrace, "%s %6x\n", kind.cTrace, target);
-    const int64_t offset = componentoffset(walk, target);
-    if (isincomponent(walk, offset) && walk.marks[static_cast<size_t>(offset)] == Walk::NotReached)
-        markentry(walk, offset);
-    return true;
 }
 
 // Follows the path from `entry` to its end, or to where another one has gone on.
 void Paths::follow(int32_t entry) {
     message(kTrace, "Entrypoint 0x%06x\n", walk.address + static_cast<uint32_t>(entry));
-    int32_t at = entry;
-    int32_t joined = 0;
+    int64_t at = entry;
     steps.clear();
-    for (bool goeson = true; goeson && at < walk.record.iSize;) {
-        const int32_t known = comments[static_cast<size_t>(at)];
-        // Traces show every step, however often it is taken.
-        if (known != iNotWalked && !isshown(kTrace)) {
-            joined = known;
-            break;
-        }
-        goeson = followinstruction(at);
-    }
+    while (isinside(at) && comments[static_cast<size_t>(at)] == iNotWalked)
+        at = followinstruction(at);
+    int32_t joined = isinside(at) ? comments[static_cast<size_t>(at)] : 0;
     countmisslabels(joined);
+    if (isshown(kTrace)) show(at);
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
         if (step->iscommented) ++joined;
         comments[static_cast<size_t>(step->offset)] = joined;

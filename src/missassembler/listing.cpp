@@ -97,9 +97,9 @@ private:
     RecordIndex index;
     std::vector<int32_t> relocs; // ascending component offsets
     size_t nextreloc = 0;
-    int32_t at = 0; // component offset
-    int32_t code = 0;
-    int32_t data = 0;
+    int64_t at = 0; // component offset
+    int64_t code = 0;
+    int64_t data = 0;
 };
 
 // The relocs before the place that the listing has come to.
@@ -117,7 +117,8 @@ void Lister::listcode() {
         message(kAlways, "%s\n", label->pcLabel.c_str());
     }
     MissText text;
-    const int32_t length = missassembleA(walk.rom, walk.record.iStart + at, text, sMnemonic);
+    const int32_t length =
+        missassembleA(walk.rom, static_cast<int32_t>(walk.record.iStart + at), text, sMnemonic);
     if (const MissLabel* record = comment())
         listing.print(formatted("%06X %-24s %s\n", address(), text.data(), record->pcLabel.c_str()));
     else
@@ -164,7 +165,7 @@ const ItemFormat* itemformat(char type) {
 
 // The number at the place, which is moved behind it. Bytes beyond the image are 0.
 std::string Lister::number(const ItemFormat& format) {
-    InstructionBytes bytes = {.image = walk.slot.pcROM, .offset = int64_t{walk.record.iStart} + at};
+    InstructionBytes bytes = {.image = walk.slot.pcROM, .offset = walk.record.iStart + at};
     const uint32_t value = bytes.take(format.size);
     countdata(format.size);
     return formatted(" 0x%0*X", value == 0 ? format.size * 2 : format.digits, value);
@@ -214,7 +215,8 @@ void Lister::list() {
         else
             listbytes();
     }
-    listing.print(formatted("Scanned %d bytes, %d code %d data\n", at, code, data));
+    listing.print(formatted("Scanned %d bytes, %d code %d data\n", static_cast<int32_t>(at),
+                            static_cast<int32_t>(code), static_cast<int32_t>(data)));
 }
 
 } // namespace

@@ -77,9 +77,9 @@ void OnePass::listitem(char type) {
     case StopType::cPrint:
         return;
     case StopType::cLong:
-        return message(kResult, "\t: 0x%08X\n", take(4));
+        return message(kAlways, "\t: 0x%08X\n", take(4));
     case StopType::cWord:
-        return message(kResult, "\t: 0x%04X\n", take(2));
+        return message(kAlways, "\t: 0x%04X\n", take(2));
     case StopType::cString:
         return liststring();
     case StopType::cInitStruct:
@@ -90,21 +90,21 @@ void OnePass::listitem(char type) {
 }
 
 void OnePass::liststring() {
-    message(kResult, "%06X \"", address());
+    message(kAlways, "%06X \"", address());
     for (uint32_t byte = take(1); byte != 0; byte = take(1)) {
         if (byte == '\n')
-            message(kResult, "\\n");
+            message(kAlways, "\\n");
         else if (byte == '\r')
-            message(kResult, "\\r");
+            message(kAlways, "\\r");
         else
-            message(kResult, "%c", static_cast<int>(byte));
+            message(kAlways, "%c", static_cast<int>(byte));
     }
-    message(kResult, "\\0");
+    message(kAlways, "\\0");
     if (at % 2 != 0) {
-        message(kResult, "\\0");
+        message(kAlways, "\\0");
         ++at;
     }
-    message(kResult, "\"\n");
+    message(kAlways, "\"\n");
 }
 
 // The commands of exec's InitStruct: what bits 7 and 6 of the command byte say of the destination, and bits 5
@@ -121,12 +121,12 @@ constexpr uint32_t iBytes = 0x20;
 void OnePass::listinitstruct() {
     uint32_t place = address();
     for (uint32_t command = take(1); command != 0; command = take(1)) {
-        message(kResult, "%06X 0x%02X", place, command);
+        message(kAlways, "%06X 0x%02X", place, command);
         listcommand(command);
         place = address();
     }
     const bool isodd = at % 2 != 0;
-    message(kResult, isodd ? "%06X 0x0000\n" : "%06X 0x00\n", place);
+    message(kAlways, isodd ? "%06X 0x0000\n" : "%06X 0x00\n", place);
     if (isodd) ++at;
 }
 
@@ -134,10 +134,10 @@ void OnePass::listcommand(uint32_t command) {
     const uint32_t destination = command & iDestination;
     const int32_t offsets = destination == iByteOffset ? 1 : destination == iLongOffset ? 3 : 0;
     for (int32_t i = 0; i < offsets; ++i)
-        message(kResult, "%02X", take(1));
+        message(kAlways, "%02X", take(1));
     listvalues(command, destination == iRepeat ? 1 : static_cast<int32_t>(command & 7U) + 1);
     listpadding();
-    message(kResult, "\n");
+    message(kAlways, "\n");
 }
 
 void OnePass::listvalues(uint32_t command, int32_t count) {
@@ -145,17 +145,17 @@ void OnePass::listvalues(uint32_t command, int32_t count) {
     if (kind == iLongs || kind == iWords) {
         const int32_t size = kind == iLongs ? 4 : 2;
         listpadding();
-        message(kResult, "%0*X", size * 2, take(size));
+        message(kAlways, "%0*X", size * 2, take(size));
         at += size * (count - 1);
     } else if (kind == iBytes) {
-        message(kResult, "%02X", take(1));
+        message(kAlways, "%02X", take(1));
         at += count - 1;
     }
 }
 
 void OnePass::listpadding() {
     if (at % 2 == 0) return;
-    message(kResult, "00");
+    message(kAlways, "00");
     ++at;
 }
 
@@ -181,7 +181,7 @@ std::string OnePass::relochints(const std::string& text, int32_t length) const {
         if (!value || *value < iMissMin || *value > iMissMax) continue;
         const auto reloc = static_cast<int32_t>(place + 2);
         message(kDetail, "Potential RELOC=%d\n", reloc);
-        if (hinted.find(formatted("%6X", *value)) != std::string::npos)
+        if (text.find(formatted("%6X", *value)) != std::string::npos)
             hinted += formatted(" #RELOC=%d", reloc);
     }
     return hinted;

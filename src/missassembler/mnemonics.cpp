@@ -61,12 +61,12 @@ const char* MnemonicTable::spelling(SectionName section, uint32_t value) const {
     uint64_t place = value;
     for (const char c : section)
         place = place << 8 | static_cast<unsigned char>(c);
-    const auto [found, isnew] = spellings.try_emplace(place, nullptr);
-    if (isnew) {
-        const std::string name(section.begin(), section.end());
-        found->second = readiniitem(*psMissasemblerINI, name.c_str(), std::to_string(value).c_str());
-    }
-    return found->second;
+    if (const auto found = spellings.find(place); found != spellings.end()) return found->second;
+    const std::string name(section.begin(), section.end());
+    const char* text = readiniitem(*psMissasemblerINI, name.c_str(), std::to_string(value).c_str());
+    // What is not there is not remembered: there is no end of it.
+    if (text != nullptr) spellings.emplace(place, text);
+    return text;
 }
 
 } // namespace vantorel

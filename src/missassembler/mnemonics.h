@@ -79,7 +79,7 @@ private:
     std::vector<Mnemonic> sMnemonic;
     std::optional<IniFile> psMissasemblerINI;
     bool hassection = false;
-    /// What was looked up so far, by section name and value.
+    /// What was found so far, by section name and value.
     mutable std::unordered_map<uint64_t, const char*> spellings;
 };
 

@@ -43,10 +43,10 @@ bool takevector(Walk& walk) {
 }
 
 void markcode(Walk& walk, int32_t offset, int32_t length) {
-    const int32_t end = std::min(offset + length, walk.record.iSize);
-    for (int32_t at = offset; at < end; ++at) {
+    const int64_t end = std::min<int64_t>(int64_t{offset} + length, walk.record.iSize);
+    for (int64_t at = offset; at < end; ++at) {
         char& mark = walk.marks[static_cast<size_t>(at)];
-        if (mark == Walk::Entry) walk.ipEntries.erase(at);
+        if (mark == Walk::Entry) walk.ipEntries.erase(static_cast<int32_t>(at));
         mark = Walk::Code;
     }
 }
