@@ -40,6 +40,14 @@ TEST_F(OnePassItems, LongsAreShownBehindTheirText) {
                              "F80112 RTS\n");
 }
 
+// Texts and instructions are results; the data are the listing itself, and no level hides it.
+TEST_F(OnePassItems, DataStandAtEveryLevelAndTheirTextsAboveZero) {
+    makeground(hexed("4E71 00000044 89ABCDEF 00000000 00F80102 4100 4E75"));
+    puttag({.name = 0xF80112, .init = 0xF80102, .flags = iAutoInit});
+    EXPECT_EQ(listed(0), "\t: 0x00000044\n\t: 0x89ABCDEF\n\t: 0x00000000\n\t: 0x00F80102\n"
+                         "F80112 \"A\\0\"\n");
+}
+
 TEST_F(OnePassItems, LongVectorsAreOneLongAndThenCode) {
     makeground(hexed("00F84E71 4E714E75"));
     putautotag({.vectors = 0xF80100, .initstruct = 0xF80050});
