@@ -46,7 +46,10 @@ cd "$here"
 tools/need.sh cmake ninja-build g++
 echo "Building out/demo/vantorel, which takes a minute the first time..." >&2
 cmake --preset demo >/dev/null
-cmake --build --preset demo --target vantorel >out/demo/build.log || { cat out/demo/build.log >&2; exit 1; }
+targets=vantorel
+[ $# -gt 0 ] || targets="vantorel vantorel-fixture" # the tour's floppy has to be made
+# shellcheck disable=SC2086  # one word a target
+cmake --build --preset demo --target $targets >out/demo/build.log || { cat out/demo/build.log >&2; exit 1; }
 
 if [ $# -gt 0 ]; then
     printf '# All ROMs loaded\nroms\nexit\n' >>"$script"
@@ -63,8 +66,14 @@ rm -rf out/demo/tour
 mkdir -p out/demo/tour/parts
 cp -R examples/hunks out/demo/tour/hunks
 cp -R examples/hashes "out/demo/tour/Vantorel Hashes"
-cp examples/tour.txt "$script"
+cp "Vantorel Hashes/missassemble.ini" "Vantorel Hashes/misshints.ini" "out/demo/tour/Vantorel Hashes"
 cd out/demo/tour
+../tests/vantorel-fixture adf modules.adf ofs Modules Libs/kernel.library=hunks/kernel.library \
+    Libs/tables.library=hunks/tables.library Devs/pulse.device=hunks/pulse.device Docs/message=hunks/message.data
+# The two sessions of the tour, each to its "exit".
+sed '/^exit$/q' "$here/examples/tour.txt" >"$script"
+session
+sed '1,/^exit$/d' "$here/examples/tour.txt" >"$script"
 session
 cmp tour.rom again.rom
 cat <<END
@@ -75,6 +84,10 @@ That was examples/tour.txt. It has made, in out/demo/tour:
     tour-cd32.bin, tour-a1000.adf  the ROM file of a CD32, a Kickstart disk for the A1000
     moved.rom                      the first for 0xE00000, built from its parts
     again.rom                      moved back: the same as tour.rom, byte for byte
+    missassembler.tmp              the code of pulse.device
+    pulse.device                   the module, with relocs found by comparing tour.rom and moved.rom
+    third.rom, third.RTB           a ROM of 256K for 0x200000 with it, and where its addresses stand
+    modules.zip                    the files of the floppy modules.adf
     parts/, "Vantorel Hashes"/     its components as files, and what they are known by
 To go on, start the prompt: cd out/demo/tour && ../vantorel
 Try "loadrom tour.rom" and "rom"; "help" lists commands, "exit" ends it. ./demo.sh FILE... shows ROMs of your own.

@@ -12,7 +12,7 @@ begin() {
 trap '[ $? -eq 0 ] || echo "test.sh: failed at: $step" >&2' EXIT
 
 tools/need.sh cmake ninja-build g++ clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev python3 unadf \
-    binutils-m68k-linux-gnu
+    binutils-m68k-linux-gnu unzip
 
 begin "includes point downwards only"
 tools/check-includes.sh

@@ -46,8 +46,7 @@ void addentry(Bytes& stream, int32_t distance, bool islast) {
 Bytes rtbstream(std::span<const int32_t> entries) {
     std::vector<int32_t> places(entries.begin(), entries.end());
     // A distance of 0 would be read as the beginning of a word.
-    const auto doubles = std::ranges::unique(places);
-    places.erase(doubles.begin(), doubles.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
     Bytes stream;
     int32_t previous = 0;
     for (const int32_t& place : places) {
