@@ -66,11 +66,13 @@ int32_t AgreementSearch::measure(int32_t place, int32_t other) {
         if (!agrees) break;
         ++length;
     }
+    steps += length;
     end = place + length;
     return length;
 }
 
 void AgreementSearch::consider(int32_t place, int32_t other, Agreement& best) {
+    ++steps;
     const int32_t length = measure(place, other);
     if (length > best.iLength) best = {.iPlace = other, .iLength = length};
 }
@@ -79,12 +81,12 @@ Agreement AgreementSearch::find(int32_t place, int32_t least) {
     Agreement best;
     const int32_t mark = landmark(place, least);
     if (mark == iNone) {
-        for (int32_t other = 0; other < count(second); ++other)
+        for (int32_t other = 0; other < count(second) && !isexhausted(); ++other)
             consider(place, other, best);
     } else {
         const uint64_t words = landmarkat(first, mark);
         int32_t found = lowest[bucketof(words, lowest.size())];
-        for (; found != iNone; found = next[static_cast<size_t>(found)])
+        for (; found != iNone && !isexhausted(); found = next[static_cast<size_t>(found)])
             if (found >= mark - place && landmarkat(second, found) == words)
                 consider(place, found - (mark - place), best);
     }

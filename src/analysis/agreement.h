@@ -29,7 +29,13 @@ public:
     /// more (1 up); of no length otherwise. `place` never decreases from call to call.
     [[nodiscard]] Agreement find(int32_t place, int32_t least);
 
+    /// Whether it has compared so much, about a minute's worth, that it gives up. What `find` returns then
+    /// means nothing.
+    [[nodiscard]] bool isexhausted() const { return steps > iStepsMost; }
+
 private:
+    static constexpr int64_t iStepsMost = int64_t{1} << 34;
+
     [[nodiscard]] int32_t landmark(int32_t place, int32_t least) const;
     int32_t measure(int32_t place, int32_t other);
     void consider(int32_t place, int32_t other, Agreement& best);
@@ -42,6 +48,7 @@ private:
     std::vector<int32_t> next;
     /// For each distance between the copies, the first word known not to agree there; -1: none known.
     std::vector<int32_t> ends;
+    int64_t steps = 0; ///< places and words compared so far
 };
 
 } // namespace vantorel

@@ -17,6 +17,9 @@ namespace {
 // More chunks than this are not looked for; the rest of the source comes after all chunks.
 constexpr size_t iChunksMost = 199;
 
+// Larger components than this, in bytes, are not compared: no ROM has them.
+constexpr int64_t iSizeMost = int64_t{16} << 20;
+
 // Part of the source that agrees with part of the destination. Bytes from the first byte of each.
 struct Chunk {
     int32_t source = 0;
@@ -126,6 +129,10 @@ void Analysis::findchunks(int32_t least) {
     const int32_t leastwords = least / 2 + least % 2;
     while (chunks.size() < iChunksMost && int64_t{stop} + least < source.size) {
         const Agreement found = search.find(stop / 2, leastwords);
+        if (search.isexhausted()) {
+            message(kResult, "ERROR: There is too much to compare, leaving off\n");
+            return;
+        }
         if (found.iLength == 0) {
             stop += 2;
             continue;
@@ -254,8 +261,13 @@ bool isverified(const Component& record) { return record.iFixedStart >= 0 && rec
 bool fits(int32_t rom, int32_t component) {
     const Component& record = *findrecord(rom, component);
     const int64_t size = int64_t{record.iFixedEnd} - record.iFixedStart;
-    if (isinside(findslot(rom)->pcROM, record.iFixedStart, size)) return true;
-    message(kResult, "ERROR: Component %d does not lie in its image\n", component);
+    if (!isinside(findslot(rom)->pcROM, record.iFixedStart, size))
+        message(kResult, "ERROR: Component %d does not lie in its image\n", component);
+    else if (size > iSizeMost)
+        message(kResult, "ERROR: Component %d is too large to be compared (%ld bytes)\n", component,
+                static_cast<long>(size));
+    else
+        return true;
     return false;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // The sections of hash files. `rom/map.h` tells what stands in them.
 
+#include "base/text.h"
 #include "hash/ini.h"
 
 #include <cstdint>
@@ -15,5 +16,17 @@ inline constexpr const char* cRelocSection = "RELOC32";
 /// The ROM base that the description in `ini` tells, a CPU address: hexadecimal digits behind two characters,
 /// usually "0x", that are not looked at. None when it tells none.
 [[nodiscard]] std::optional<uint32_t> describedbase(const IniFile& ini);
+
+/// The hash files of the components of one ROM, which together may hold 16 MiB: components that all name one
+/// large file would otherwise take time and memory out of all proportion.
+class ComponentHashFiles {
+public:
+    /// The hash file that `hash` names. None when the library has none, or when those loaded before were too
+    /// large; an error line when they have become so.
+    [[nodiscard]] std::optional<IniFile> load(const Text& hash);
+
+private:
+    int64_t size = 0; ///< bytes so far
+};
 
 } // namespace vantorel

@@ -4,8 +4,8 @@
 #include "base/message.h"
 #include "component/extract.h"
 #include "hash/crc32.h"
+#include "hash/hashfile.h"
 #include "hash/ini.h"
-#include "hash/library.h"
 #include "rom/header.h"
 #include "rom/store.h"
 #include "shell/numbers.h"
@@ -68,6 +68,13 @@ struct Count {
     bool hasmarker = false;
 };
 
+// A component whose places go into the file.
+struct Source {
+    int32_t number = 0;
+    const Component& component;
+    std::vector<int32_t> relocs; // those inside it
+};
+
 // Gathers the places of a ROM.
 class Gatherer {
 public:
@@ -79,24 +86,27 @@ public:
     std::vector<uint32_t> bcpl;   // image offsets
 
 private:
-    [[nodiscard]] std::vector<int32_t> relocsof(int32_t number) const;
+    void findsources();
     [[nodiscard]] Count count() const;
     [[nodiscard]] bool hasmarker(uint32_t lastend) const;
-    void addrelocs(int32_t number);
+    void addrelocs(const Source& source);
     void addbcpl(const Component& component);
     void addsection(const IniFile& ini, int32_t section, int32_t start);
 
     const KickstartRom& slot;
-    std::vector<std::vector<int32_t>> relocs; // of each component
+    std::vector<Source> sources;
+    ComponentHashFiles hashfiles;
     bool iskickitydue = false;
 };
 
-// The relocs of a component that are places of the image; an error line for the others.
-std::vector<int32_t> Gatherer::relocsof(int32_t number) const {
-    const Component& component = slot.psComponents[static_cast<size_t>(number)];
-    if (component.ipRelocs.empty() || !requirefit(slot, number)) return {};
-    tellrelocsoutside(component);
-    return relocsinside(component);
+// An error line for each component that does not lie in the image, and for each reloc outside its component.
+void Gatherer::findsources() {
+    for (int32_t number = 0; number < slot.iComponents(); ++number) {
+        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        if (component.isblank() || !requirefit(slot, number)) continue;
+        tellrelocsoutside(component);
+        sources.push_back({.number = number, .component = component, .relocs = relocsinside(component)});
+    }
 }
 
 // Whether the image says that its components end at `lastend`, an image offset, as those for SuperKickstart
@@ -115,16 +125,14 @@ Count Gatherer::count() const {
     message(kTrace, "Counting relocs, finding last reloc, checking for kickity-split and SK size\n");
     Count result;
     int64_t lastend = 0;
-    for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
-        if (component.isblank()) continue;
-        const auto mine = static_cast<int32_t>(relocs[static_cast<size_t>(number)].size());
-        message(kChatty, "Checking component %d\n", number);
-        if (mine != 0) {
+    for (const Source& source : sources) {
+        message(kChatty, "Checking component %d\n", source.number);
+        if (!source.relocs.empty()) {
+            const auto mine = static_cast<int32_t>(source.relocs.size());
             result.total += mine;
             message(kChatty, "Has %d relocs, total=%d\n", mine, result.total);
-            lastend = component.iEnd();
-        } else if (component.pcType == cTypeKickitySplit) {
+            lastend = source.component.iEnd();
+        } else if (source.component.pcType == cTypeKickitySplit) {
             ++result.total;
             message(kChatty, "Adding one for Kickity-Split\n");
             result.haskickity = true;
@@ -135,12 +143,12 @@ Count Gatherer::count() const {
     return result;
 }
 
-void Gatherer::addrelocs(int32_t number) {
-    const std::vector<int32_t>& mine = relocs[static_cast<size_t>(number)];
-    const int32_t start = slot.psComponents[static_cast<size_t>(number)].iStart;
+void Gatherer::addrelocs(const Source& source) {
+    const std::vector<int32_t>& mine = source.relocs;
+    const int32_t number = source.number;
     message(kChatty, "Adding %d relocs from component %d\n", static_cast<int32_t>(mine.size()), number);
     for (size_t i = 0; i < mine.size(); ++i) {
-        const int32_t place = start + mine[i];
+        const int32_t place = source.component.iStart + mine[i];
         if (iskickitydue && place > iKickityPointer) {
             message(kChatty, "Inserting Kickity-Split reloc before component %d reloc %d\n", number,
                     static_cast<int32_t>(i));
@@ -153,7 +161,7 @@ void Gatherer::addrelocs(int32_t number) {
 
 void Gatherer::addbcpl(const Component& component) {
     message(kTrace, "Checking %s for BCPL relocs\n", shown(component.pcHash));
-    const auto ini = loadinifile(findhashfile(component.pcHash ? component.pcHash->c_str() : nullptr));
+    const auto ini = hashfiles.load(component.pcHash);
     const int32_t section = ini ? readinisection(*ini, cBcplSection) : -1;
     if (section >= 0) addsection(*ini, section, component.iStart);
 }
@@ -172,15 +180,12 @@ void Gatherer::addsection(const IniFile& ini, int32_t section, int32_t start) {
 }
 
 void Gatherer::gather() {
-    for (int32_t number = 0; number < slot.iComponents(); ++number)
-        relocs.push_back(relocsof(number));
+    findsources();
     const Count expected = count();
     iskickitydue = expected.haskickity;
-    for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
-        if (component.isblank()) continue;
-        addrelocs(number);
-        addbcpl(component);
+    for (const Source& source : sources) {
+        addrelocs(source);
+        addbcpl(source.component);
     }
     const int32_t marker = slot.iSize() - iEndMarker;
     if (expected.hasmarker) {

@@ -130,11 +130,9 @@ void takeextract(Component& component, const KickstartRom& slot) {
     }
 }
 
-// A map names each byte of its image about once and has a small file for each component. One that claims this
-// many times its image, or this many bytes of hash files, is damage: it would use time and memory out of
-// proportion.
+// A map names each byte of its image about once. One that claims this many times its image is damage: it would
+// use time and memory out of proportion.
 constexpr int64_t iMapClaimMost = 16;
-constexpr int64_t iMapHashMost = int64_t{16} << 20;
 
 // Builds the map of a slot line by line.
 class MapReader {
@@ -168,7 +166,7 @@ private:
     // Fills in what the component's own hash file, and with its help the image, tells.
     void applyhashfile(int32_t number, Component& component) {
         message(kProgress, "looking for component hash %s\n", shown(component.pcHash));
-        const auto ini = hashfile(component);
+        const auto ini = hashfiles.load(component.pcHash);
         if (!ini) {
             message(kProgress, "WARNING, No hash file for component %d may have unknown relocs\n", number);
             return;
@@ -204,20 +202,10 @@ private:
         return false;
     }
 
-    // The component's own hash file; none when there is none, or when those of the map have been too much.
-    std::optional<IniFile> hashfile(const Component& component) {
-        if (hashed > iMapHashMost) return std::nullopt;
-        auto ini = loadinifile(findhashfile(component.pcHash->c_str()));
-        if (ini) hashed += static_cast<int64_t>(ini->pcBuffer.size());
-        if (hashed > iMapHashMost)
-            message(kResult, "ERROR: The hash files of this map's components are too large\n");
-        return ini;
-    }
-
     int32_t rom;
     KickstartRom& slot;
     int64_t claimed = 0; // bytes of the components so far
-    int64_t hashed = 0;  // bytes of their hash files
+    ComponentHashFiles hashfiles;
 };
 
 void readcomponents(int32_t rom, const IniFile& ini) {
