@@ -28,7 +28,8 @@ DosTime dostime(int64_t seconds) {
     // A year that no calendar holds leaves the fields at 0.
     if (::localtime_r(&moment, &local) == nullptr) return {};
     // A disk may name a year of eight digits.
-    const int64_t date = ((int64_t{local.tm_year} + 1900 - 1980) * 16 + local.tm_mon + 1) * 32 + local.tm_mday;
+    const int64_t date =
+        ((int64_t{local.tm_year} + 1900 - 1980) * 16 + local.tm_mon + 1) * 32 + local.tm_mday;
     const int time = (local.tm_hour * 64 + local.tm_min) * 32 + local.tm_sec / 2;
     return {.iDate = static_cast<uint16_t>(date), .iTime = static_cast<uint16_t>(time)};
 }

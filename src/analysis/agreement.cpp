@@ -54,13 +54,13 @@ int32_t AgreementSearch::landmark(int32_t place, int32_t least) const {
 
 // How many words from `place` of the first copy and `other` of the second agree.
 int32_t AgreementSearch::measure(int32_t place, int32_t other) {
-    int32_t& end = ends[static_cast<size_t>(other - place + count(first))];
+    int32_t& end = ends[static_cast<size_t>(int64_t{other} - place + count(first))];
     if (end >= place) return end - place;
     const int32_t most = std::min(count(first) - place, count(second) - other);
     int32_t length = 0;
     while (length < most) {
-        const auto mine = static_cast<size_t>(place + length);
-        const auto theirs = static_cast<size_t>(other + length);
+        const auto mine = static_cast<size_t>(place) + static_cast<size_t>(length);
+        const auto theirs = static_cast<size_t>(other) + static_cast<size_t>(length);
         const bool agrees =
             first.words[mine] == second.words[theirs] || (first.isaddress[mine] && second.isaddress[theirs]);
         if (!agrees) break;

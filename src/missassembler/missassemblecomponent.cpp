@@ -146,7 +146,7 @@ void OnePass::listvalues(uint32_t command, int32_t count) {
         const int32_t size = kind == iLongs ? 4 : 2;
         listpadding();
         message(kAlways, "%0*X", size * 2, take(size));
-        at += size * (count - 1);
+        at += int64_t{size} * (count - 1);
     } else if (kind == iBytes) {
         message(kAlways, "%02X", take(1));
         at += count - 1;

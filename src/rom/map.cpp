@@ -130,8 +130,8 @@ void takeextract(Component& component, const KickstartRom& slot) {
     }
 }
 
-// A map names each byte of its image about once. One that claims this many times its image is damage: it would
-// use time and memory out of proportion.
+// A map names each byte of its image about once. One that claims this many times its image is damage: it
+// would use time and memory out of proportion.
 constexpr int64_t iMapClaimMost = 16;
 
 // Builds the map of a slot line by line.
