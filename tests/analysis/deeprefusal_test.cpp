@@ -215,5 +215,16 @@ TEST_F(DeepRefusalTest, RefusalsAreShownAboveLevelZero) {
     EXPECT_EQ(at(0, [] { EXPECT_EQ(deepanalysecomponent(0, 0, 1, 0, 4), 1); }), "");
 }
 
+TEST_F(DeepRefusalTest, ComponentsLargerThanAnyRomAreNotCompared) {
+    constexpr int32_t most = 16 * 1024 * 1024;
+    KickstartRom& slot = slotat(1);
+    slot.pcROM.resize(most + 1);
+    slot.psComponents[0].iFixedStart = 0;
+    slot.psComponents[0].iFixedEnd = most + 1;
+    expectrefused({}, "ERROR: Component 0 is too large to be compared (16777217 bytes)\n");
+    slot.psComponents[0].iFixedEnd = most;
+    EXPECT_EQ(console({}, 0).find("ERROR"), std::string::npos);
+}
+
 } // namespace
 } // namespace vantorel::test

@@ -431,4 +431,24 @@ TEST_F(RtbTest, EveryLineOfTheKickitySplitHasItsThreshold) {
                      {{kAlways, "Reloc missmatch should have 6, but added 5\n"}});
 }
 
+TEST_F(RtbTest, ComponentOutsideItsImageGivesNoBcplPlacesEither) {
+    const int32_t rom = romwithhash("[BCPL]\nRELOC=4\n");
+    componentat(rom, 0).iStart = 1000;
+    const Rtb file = saved(rom);
+    EXPECT_TRUE(file.bcpl.empty());
+    EXPECT_EQ(countof(console, "ERROR: Component 0 does not lie in its image\n"), 1);
+    EXPECT_EQ(countof(console, "BCPL Reloc="), 0);
+}
+
+// Components that name the same large file would make a table out of all proportion.
+TEST_F(RtbTest, HashFilesOutOfProportionAreNotReadOverAndOver) {
+    // Nine megabytes: the second time is too much, and the third is not even tried.
+    const int32_t rom = romwithhash("[BCPL]\nRELOC=4\n[Rest]\n" + std::string(9 << 20, 'x'));
+    const Component record = componentat(rom, 0);
+    slotat(rom).psComponents.insert(slotat(rom).psComponents.end(), 2, record);
+    const Rtb file = saved(rom);
+    EXPECT_EQ(file.bcpl.size(), 2U);
+    EXPECT_EQ(countof(console, "ERROR: The hash files of this map's components are too large\n"), 1);
+}
+
 } // namespace vantorel::test
