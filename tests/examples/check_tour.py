@@ -256,6 +256,15 @@ class Tour(unittest.TestCase):
         lines = [line.replace("VanCLI> ", "") for line in (self.printed + self.second).splitlines()]
         self.assertEqual([line for line in lines if line.upper().startswith("ERROR")], [])
 
+    def test_the_readme_shows_what_is_printed(self):
+        excerpt = re.search(r"```text\n(.*?)```", (ROOT / "README.md").read_text(), re.DOTALL)[1]
+        lines = [re.sub("^(VanCLI> )+", "", line) for line in (self.printed + self.second).splitlines()]
+        printed = "\n" + "\n".join(lines) + "\n"
+        place = 0
+        for piece in excerpt.split("...\n"):
+            place = printed.find("\n" + piece, place)
+            self.assertGreaterEqual(place, 0, piece)
+
     def test_the_rom_is_what_its_modules_make(self):
         self.assertEqual(self.made("tour.rom"), self.main)
 
