@@ -28,8 +28,8 @@ size_t bucketof(uint64_t words, size_t buckets) {
 
 } // namespace
 
-AgreementSearch::AgreementSearch(const Copy& itsfirst, const Copy& itssecond)
-    : first(itsfirst), second(itssecond), next(second.words.size(), iNone),
+AgreementSearch::AgreementSearch(const Copy& itsfirst, const Copy& itssecond, int64_t itsmost)
+    : first(itsfirst), second(itssecond), most(itsmost), next(second.words.size(), iNone),
       ends(first.words.size() + second.words.size() + 1, iNone) {
     lowest.assign(std::bit_ceil(second.words.size() + 1) * 2, iNone);
     // From the end, so that each chain comes to ascend.
@@ -56,9 +56,9 @@ int32_t AgreementSearch::landmark(int32_t place, int32_t least) const {
 int32_t AgreementSearch::measure(int32_t place, int32_t other) {
     int32_t& end = ends[static_cast<size_t>(int64_t{other} - place + count(first))];
     if (end >= place) return end - place;
-    const int32_t most = std::min(count(first) - place, count(second) - other);
+    const int32_t reach = std::min(count(first) - place, count(second) - other);
     int32_t length = 0;
-    while (length < most) {
+    while (length < reach) {
         const auto mine = static_cast<size_t>(place) + static_cast<size_t>(length);
         const auto theirs = static_cast<size_t>(other) + static_cast<size_t>(length);
         const bool agrees =
