@@ -42,14 +42,7 @@ void saveone(int32_t rom, int32_t number, const std::string& name) {
 } // namespace
 
 void savecomponent(int32_t rom, int32_t component, const std::string& name) {
-    const auto numbers = selectcomponents(rom, component);
-    if (!numbers) return;
-    for (const int32_t number : *numbers) {
-        if (findrecord(rom, number) != nullptr)
-            saveone(rom, number, name);
-        else
-            message(kResult, "Component out of range or not found\n");
-    }
+    saveselected(rom, component, name, saveone);
 }
 
 } // namespace vantorel

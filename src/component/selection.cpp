@@ -20,4 +20,15 @@ std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t compon
     return numbers;
 }
 
+void saveselected(int32_t rom, int32_t component, const std::string& name, SaveComponent save) {
+    const auto numbers = selectcomponents(rom, component);
+    if (!numbers) return;
+    for (const int32_t number : *numbers) {
+        if (findrecord(rom, number) != nullptr)
+            save(rom, number, name);
+        else
+            message(kResult, "Component out of range or not found\n");
+    }
+}
+
 } // namespace vantorel

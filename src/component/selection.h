@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace vantorel {
@@ -14,5 +15,11 @@ inline constexpr int32_t iEveryComponent = -1;
 /// or of `iEveryComponent` all but the blank ones. A slot equal to `iMaxRom` counts as a ROM without
 /// components; none, with "ROM out of range", of any other that does not exist.
 [[nodiscard]] std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component);
+
+/// What a save command does with one component that exists; `name` is the file's, or empty.
+using SaveComponent = void (*)(int32_t rom, int32_t number, const std::string& name);
+
+/// Calls `save` for each of them that exists; "Component out of range or not found" for one that does not.
+void saveselected(int32_t rom, int32_t component, const std::string& name, SaveComponent save);
 
 } // namespace vantorel

@@ -96,14 +96,7 @@ void saveonehash(int32_t rom, int32_t number, const std::string& name) {
 } // namespace
 
 void savecomponenthash(int32_t rom, int32_t component, const std::string& name) {
-    const auto numbers = selectcomponents(rom, component);
-    if (!numbers) return;
-    for (const int32_t number : *numbers) {
-        if (findrecord(rom, number) != nullptr)
-            saveonehash(rom, number, name);
-        else
-            message(kResult, "Component out of range or not found\n");
-    }
+    saveselected(rom, component, name, saveonehash);
 }
 
 namespace {
