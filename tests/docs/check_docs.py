@@ -82,6 +82,8 @@ class Place:
             shutil.copytree(ROOT / name, self.root / name)
         self.program.symlink_to(program)
         (tests / "vantorel-fixture").symlink_to(fixture)
+        # Stands for a ROM that a user has.
+        subprocess.run([tests / "vantorel-fixture", "standard", self.root / "kick.rom"], check=True)
         self.cwd = self.root
 
     def shell(self, commands):
