@@ -3,6 +3,7 @@
 #include "analysis/agreement.h"
 #include "base/bytes.h"
 #include "base/message.h"
+#include "component/extract.h"
 #include "rom/store.h"
 
 #include <algorithm>
@@ -261,14 +262,11 @@ bool isverified(const Component& record) { return record.iFixedStart >= 0 && rec
 bool fits(int32_t rom, int32_t component) {
     const Component& record = *findrecord(rom, component);
     const int64_t size = int64_t{record.iFixedEnd} - record.iFixedStart;
-    if (!isinside(findslot(rom)->pcROM, record.iFixedStart, size))
-        message(kResult, "ERROR: Component %d does not lie in its image\n", component);
-    else if (size > iSizeMost)
+    if (!requirerange(*findslot(rom), component, record.iFixedStart, size)) return false;
+    if (size > iSizeMost)
         message(kResult, "ERROR: Component %d is too large to be compared (%ld bytes)\n", component,
                 static_cast<long>(size));
-    else
-        return true;
-    return false;
+    return size <= iSizeMost;
 }
 
 // Whether both components are there and can be compared; an error line when not.

@@ -12,10 +12,15 @@ bool fitsimage(const KickstartRom& slot, const Component& component) {
     return isinside(slot.pcROM, component.iStart, component.iSize);
 }
 
-bool requirefit(const KickstartRom& slot, int32_t component) {
-    const bool fits = fitsimage(slot, slot.psComponents[static_cast<size_t>(component)]);
+bool requirerange(const KickstartRom& slot, int32_t component, int64_t start, int64_t size) {
+    const bool fits = isinside(slot.pcROM, start, size);
     if (!fits) message(kResult, "ERROR: Component %d does not lie in its image\n", component);
     return fits;
+}
+
+bool requirefit(const KickstartRom& slot, int32_t component) {
+    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    return requirerange(slot, component, record.iStart, record.iSize);
 }
 
 namespace {

@@ -20,6 +20,10 @@ namespace vantorel {
 /// The same of component `component` of `slot`, which exists, with an error line when it does not.
 [[nodiscard]] bool requirefit(const KickstartRom& slot, int32_t component);
 
+/// Whether `size` bytes from image offset `start`, a range of component `component`, lie inside the image of
+/// `slot`; the same error line when they do not.
+[[nodiscard]] bool requirerange(const KickstartRom& slot, int32_t component, int64_t start, int64_t size);
+
 /// Whether the long at `reloc`, a component offset, lies inside `size` bytes; an error line when it does not.
 [[nodiscard]] bool requireinside(int32_t reloc, int64_t size);
 

@@ -33,7 +33,7 @@ std::optional<uint32_t> searchopcode(int32_t rom, int64_t start, int64_t end, co
 int findopcode(int32_t rom, uint32_t start, uint32_t end, const std::string& text) {
     const KickstartRom* slot = requireslot(rom);
     if (slot == nullptr) return 1;
-    if (initmissassembler() != 0 || sMnemonic.names().iMnemonicCnt() == 0) {
+    if (!readymissassembler()) {
         message(kResult, "ERROR, Unable to initialse the misaassembler\n");
         return 1;
     }

@@ -245,7 +245,7 @@ void listcomponent(int32_t rom, int32_t component) {
 } // namespace
 
 void missassembleComponent(int32_t rom, int32_t component) {
-    const bool istable = initmissassembler() == 0 && sMnemonic.names().iMnemonicCnt() != 0;
+    const bool istable = readymissassembler();
     if (findrecord(rom, component) == nullptr)
         return message(kResult, "ERROR, ROM or component out of range\n");
     if (!istable) return message(kResult, "ERROR, unable to initialise the missassembler\n");

@@ -4,7 +4,6 @@
 #include "base/message.h"
 #include "base/text.h"
 #include "component/extract.h"
-#include "missassembler/decode.h"
 #include "missassembler/entrypoints.h"
 #include "missassembler/flow.h"
 #include "missassembler/hints.h"
@@ -42,7 +41,7 @@ void walkinto(ListingFile& listing, int32_t rom, int32_t component, bool istable
 } // namespace
 
 void missassembleLibrary(int32_t rom, int32_t component) {
-    const bool istable = initmissassembler() == 0 && sMnemonic.names().iMnemonicCnt() != 0;
+    const bool istable = readymissassembler();
     ListingFile listing;
     if (!listing.isopen()) return reportnotopened(cListingFile);
     walkinto(listing, rom, component, istable);

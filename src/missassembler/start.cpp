@@ -38,4 +38,6 @@ int initmissassembler() {
     return 0;
 }
 
+bool readymissassembler() { return initmissassembler() == 0 && sMnemonic.names().iMnemonicCnt() != 0; }
+
 } // namespace vantorel

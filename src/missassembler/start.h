@@ -8,4 +8,7 @@ namespace vantorel {
 /// no section "mnemonics" in it. A section without an entry is for the caller to refuse.
 int initmissassembler();
 
+/// The same, and whether there is an entry to decode with.
+[[nodiscard]] bool readymissassembler();
+
 } // namespace vantorel
