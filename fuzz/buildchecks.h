@@ -62,7 +62,7 @@ inline bool isrelocatable(const KickstartRom& slot) {
     std::vector<int64_t> longs;
     for (const Component& component : slot.psComponents) {
         if (component.ipRelocs.empty()) continue;
-        if (!fitsimage(slot, component)) return false;
+        if (!isinside(slot.pcROM, component.iStart, component.iSize)) return false;
         for (const int32_t reloc : component.ipRelocs)
             longs.push_back(int64_t{component.iStart} + reloc);
         if (component.pcExtract && *component.pcExtract != extractof(slot, component)) return false;
@@ -108,7 +108,7 @@ inline void checkbuilt(int32_t rom) {
     int64_t end = 0;
     for (const Component& component : slot.psComponents) {
         expect(component.iStart >= end, "the components ascend and do not overlap");
-        expect(fitsimage(slot, component), "the components lie in their image");
+        expect(isinside(slot.pcROM, component.iStart, component.iSize), "the components lie in their image");
         end = component.iEnd();
     }
     expect(slot.iUsed >= end, "what is in use reaches to the last component");

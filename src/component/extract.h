@@ -14,10 +14,8 @@ namespace vantorel {
 /// The CPU address at which the first byte of `component` runs in `slot`.
 [[nodiscard]] uint32_t runaddress(const KickstartRom& slot, const Component& component);
 
-/// Whether the bytes of `component` lie inside the image of `slot`.
-[[nodiscard]] bool fitsimage(const KickstartRom& slot, const Component& component);
-
-/// The same of component `component` of `slot`, which exists, with an error line when it does not.
+/// Whether the bytes of component `component` of `slot`, which exists, lie inside its image; an error line
+/// when they do not.
 [[nodiscard]] bool requirefit(const KickstartRom& slot, int32_t component);
 
 /// Whether `size` bytes from image offset `start`, a range of component `component`, lie inside the image of
