@@ -17,6 +17,9 @@ inline constexpr const char* cRelocSection = "RELOC32";
 /// usually "0x", that are not looked at. None when it tells none.
 [[nodiscard]] std::optional<uint32_t> describedbase(const IniFile& ini);
 
+/// The hash file that `hash` names. None when it is absent or the library has no such file.
+[[nodiscard]] std::optional<IniFile> loadhashfile(const Text& hash);
+
 /// The hash files of the components of one ROM, which together may hold 16 MiB: components that all name one
 /// large file would otherwise take time and memory out of all proportion.
 class ComponentHashFiles {

@@ -2,6 +2,7 @@
 
 #include "base/message.h"
 #include "base/text.h"
+#include "hash/hashfile.h"
 #include "hash/ini.h"
 #include "hash/library.h"
 #include "missassembler/labels.h"
@@ -65,8 +66,7 @@ void addlabelhint(const Walk& walk, const std::string& value) {
 } // namespace
 
 void addcomponenthints(Walk& walk) {
-    const Text& hash = walk.record.pcHash;
-    const auto ini = loadinifile(findhashfile(hash ? hash->c_str() : nullptr));
+    const auto ini = loadhashfile(walk.record.pcHash);
     if (!ini) return message(kTrace, "No INI file for the component, no official missasembler hints\n");
     message(kTrace, "INI file opened OK, check for missassembler hints\n");
     const int32_t section = readinisection(*ini, cHintSection);
