@@ -55,9 +55,9 @@ void tellbounds(const Match& copy, const Component& record, int32_t component) {
 }
 
 // One component being analysed.
-class Analysis {
+class ComponentAnalysis {
 public:
-    Analysis(int32_t itsrom, int32_t itscomponent, VerifiedRelocs itsverified)
+    ComponentAnalysis(int32_t itsrom, int32_t itscomponent, VerifiedRelocs itsverified)
         : rom(itsrom), component(itscomponent), verified(itsverified), slot(*findslot(rom)),
           record(*findrecord(rom, component)) {}
 
@@ -76,7 +76,7 @@ private:
     const Component& record;
 };
 
-void Analysis::compare(const Match& copy) {
+void ComponentAnalysis::compare(const Match& copy) {
     message(kResult, "Found matching names %d:%d\n", copy.rom, copy.component);
     tellbounds(copy, record, component);
     // Copies at the same place prove nothing.
@@ -88,7 +88,7 @@ void Analysis::compare(const Match& copy) {
 }
 
 // `offset` is how far the component lies behind its copy, in image offsets.
-void Analysis::comparebytes(const Match& copy, int64_t offset) {
+void ComponentAnalysis::comparebytes(const Match& copy, int64_t offset) {
     const View mine = slot.pcROM;
     const View theirs = copy.slot.pcROM;
     const int64_t start = record.iStart;
@@ -115,7 +115,7 @@ void Analysis::comparebytes(const Match& copy, int64_t offset) {
     message(kResult, "Matching %d of %d\n", matching, record.iSize);
 }
 
-void Analysis::tellpotential() const {
+void ComponentAnalysis::tellpotential() const {
     const auto start = static_cast<uint32_t>(record.iStart);
     const auto end = static_cast<uint32_t>(record.iEnd());
     message(kResult, "Identifying potential relocs %08x to %08x\n", start, end);
@@ -131,7 +131,7 @@ void Analysis::tellpotential() const {
 }
 
 // In the form of a section for the component's hash file.
-void Analysis::tellbcpl() const {
+void ComponentAnalysis::tellbcpl() const {
     const auto start = static_cast<uint32_t>(record.iStart);
     const auto end = static_cast<uint32_t>(record.iEnd());
     message(kProgress, "Identifying potential BCPL relocs %08x to %08x\n\n[BCPL]\n", start, end);
@@ -145,7 +145,7 @@ void Analysis::tellbcpl() const {
     }
 }
 
-void Analysis::run() {
+void ComponentAnalysis::run() {
     message(kResult, "Analysing %s\n", shown(record.pcLibString));
     for (const Match& copy : findcopies(rom, record))
         compare(copy);
@@ -175,7 +175,7 @@ bool requireanalysable(int32_t rom, int32_t component) {
 } // namespace
 
 int analysecomponent(int32_t rom, int32_t component, VerifiedRelocs verified) {
-    if (requireanalysable(rom, component)) Analysis(rom, component, verified).run();
+    if (requireanalysable(rom, component)) ComponentAnalysis(rom, component, verified).run();
     return 0;
 }
 

@@ -92,9 +92,9 @@ Copy copyof(const Side& side) {
     return copy;
 }
 
-class Analysis {
+class DeepAnalysis {
 public:
-    Analysis(Side itssource, Side itsdestination)
+    DeepAnalysis(Side itssource, Side itsdestination)
         : source(std::move(itssource)), destination(std::move(itsdestination)) {}
 
     void run(int32_t least);
@@ -121,7 +121,7 @@ private:
     int64_t examined = 0;
 };
 
-void Analysis::findchunks(int32_t least) {
+void DeepAnalysis::findchunks(int32_t least) {
     message(kResult, "Scanning source %08x for matches in dest %08x\n", static_cast<uint32_t>(source.start),
             static_cast<uint32_t>(destination.start));
     const Copy first = copyof(source);
@@ -151,14 +151,14 @@ bool isaround(int32_t start, int32_t length, int64_t value) {
 }
 
 // The first chunk whose source holds a value relative to the source; null when none does.
-const Chunk* Analysis::chunkaround(int64_t relative) const {
+const Chunk* DeepAnalysis::chunkaround(int64_t relative) const {
     const auto found = std::ranges::find_if(
         chunks, [relative](const Chunk& chunk) { return isaround(chunk.source, chunk.length, relative); });
     return found == chunks.end() ? nullptr : &*found;
 }
 
 // What may be an address before the first chunk, or anywhere when there is none.
-void Analysis::tellbefore() const {
+void DeepAnalysis::tellbefore() const {
     const int32_t end = chunks.empty() ? source.size : chunks.front().source;
     for (int32_t offset = 0; offset < end; offset += 2) {
         if (!source.ismarkedlong(offset)) continue;
@@ -174,7 +174,7 @@ void Analysis::tellbefore() const {
     }
 }
 
-void Analysis::tellchunk(const Chunk& chunk) {
+void DeepAnalysis::tellchunk(const Chunk& chunk) {
     message(kResult, "Chunk %d source %d dest %d size %d\n", numberof(chunk), chunk.source, chunk.destination,
             chunk.length);
     for (int32_t place = 0; place < chunk.length; place += 2) {
@@ -189,7 +189,7 @@ void Analysis::tellchunk(const Chunk& chunk) {
     }
 }
 
-void Analysis::tellidentical() const {
+void DeepAnalysis::tellidentical() const {
     if (source.slot.iROMBase == destination.slot.iROMBase)
         message(kResult, "The following reloc value at the same position in the target component, unlikely "
                          "RELOC unless the components are in the same position in the ROM\n");
@@ -200,7 +200,7 @@ void Analysis::tellidentical() const {
 
 // Tells what the long `value` at a source offset inside a chunk is; `counterpart` is the value in its place
 // in the destination, relative to that, -1 when there is none.
-void Analysis::classify(int32_t offset, uint32_t value, int64_t counterpart) const {
+void DeepAnalysis::classify(int32_t offset, uint32_t value, int64_t counterpart) const {
     const Chunk* expected = chunkaround(examined);
     if (expected == nullptr)
         return message(kResult, "Potential RELOC=%d #%6X not found in a matching chunk\n", offset, value);
@@ -212,8 +212,8 @@ void Analysis::classify(int32_t offset, uint32_t value, int64_t counterpart) con
     message(kResult, "Verified RELOC=%d #points to the same offset in the matching chunk\n", offset);
 }
 
-void Analysis::tellelsewhere(int32_t offset, uint32_t value, const Chunk& expected,
-                             int64_t counterpart) const {
+void DeepAnalysis::tellelsewhere(int32_t offset, uint32_t value, const Chunk& expected,
+                                 int64_t counterpart) const {
     // Every chunk is taken to be as long as the expected one; so it has always been.
     const auto found = std::ranges::find_if(chunks, [&expected, counterpart](const Chunk& chunk) {
         return isaround(chunk.destination, expected.length, counterpart);
@@ -227,7 +227,7 @@ void Analysis::tellelsewhere(int32_t offset, uint32_t value, const Chunk& expect
 }
 
 // Tells of every long that may be an address in a range of source offsets outside the chunks.
-void Analysis::tellrange(int32_t from, int32_t to, const char* where) const {
+void DeepAnalysis::tellrange(int32_t from, int32_t to, const char* where) const {
     const Chunk* chunk = chunkaround(examined);
     for (int32_t offset = from; offset < to; offset += 2) {
         const auto value = source.longof(offset);
@@ -242,7 +242,7 @@ void Analysis::tellrange(int32_t from, int32_t to, const char* where) const {
     }
 }
 
-void Analysis::run(int32_t least) {
+void DeepAnalysis::run(int32_t least) {
     markaddresses(source, "source");
     showmap(source);
     markaddresses(destination, "destination");
@@ -295,7 +295,7 @@ int deepanalysecomponent(int32_t srcRom, int32_t srcComponent, int32_t dstRom, i
     message(kResult, "Deep analysis of component %d in ROM %d with component %d in ROM %d\n", srcComponent,
             srcRom, dstComponent, dstRom);
     if (!require(srcRom, srcComponent, dstRom, dstComponent)) return 1;
-    Analysis(makeside(srcRom, srcComponent), makeside(dstRom, dstComponent)).run(minChunk);
+    DeepAnalysis(makeside(srcRom, srcComponent), makeside(dstRom, dstComponent)).run(minChunk);
     return 0;
 }
 

@@ -45,8 +45,8 @@ struct Other {
 
 // Comparing is worth its time up to this many bytes in an analysis; real ROMs come to a fiftieth of it. Each
 // comparison counts for some bytes more, for what it prints.
-constexpr int64_t iWorkMost = int64_t{512} << 20;
-constexpr int64_t iWorkEach = 4096;
+constexpr int64_t iComparedMost = int64_t{512} << 20;
+constexpr int64_t iComparisonCost = 4096;
 
 // The search for the components of one slot in all others.
 class CrossMatcher {
@@ -63,7 +63,7 @@ private:
     [[nodiscard]] Component& component(int32_t number) {
         return slot.psComponents[static_cast<size_t>(number)];
     }
-    [[nodiscard]] bool istoomuch() const { return work > iWorkMost; }
+    [[nodiscard]] bool istoomuch() const { return work > iComparedMost; }
 
     void lookfor(int32_t number) {
         message(kProgress, "Looking for [%s]\n", shown(component(number).pcLibString));
@@ -114,7 +114,7 @@ private:
                 static_cast<uint32_t>(other.component.iStart));
         const int32_t count =
             countmatches(slot.pcROM, start, slot.iROMBase + static_cast<uint32_t>(start), extract);
-        work += static_cast<int64_t>(extract.size()) + iWorkEach;
+        work += static_cast<int64_t>(extract.size()) + iComparisonCost;
         message(kResult, "Match %d of %d\n", count, other.component.iSize);
         return count == other.component.iSize && isinside(slot.pcROM, start, other.component.iSize);
     }

@@ -58,8 +58,8 @@ std::string formname(const KickstartRom& slot, Component& component, const std::
 
 // Trying files is worth its time up to this many bytes of them in an analysis. Each counts for some bytes
 // more.
-constexpr int64_t iWorkMost = int64_t{256} << 20;
-constexpr int64_t iWorkEach = 2048;
+constexpr int64_t iTriedMost = int64_t{256} << 20;
+constexpr int64_t iTrialCost = 2048;
 
 // The search for the components of one slot in the hash library.
 class LibraryMatcher {
@@ -77,7 +77,7 @@ private:
     [[nodiscard]] Component& component(int32_t number) {
         return slot.psComponents[static_cast<size_t>(number)];
     }
-    [[nodiscard]] bool istoomuch() const { return work > iWorkMost; }
+    [[nodiscard]] bool istoomuch() const { return work > iTriedMost; }
 
     void lookfor(int32_t number) {
         const Component& wanted = component(number);
@@ -101,7 +101,7 @@ private:
 
     // Tries one file, and takes over what it tells when its name is the one that the component would get.
     bool trycandidate(int32_t number, const HashFileEntry& entry, const std::string& key) {
-        work += iWorkEach;
+        work += iTrialCost;
         const std::string path = hashfilepath(entry);
         const auto ini = loadinifile(path);
         if (!ini) {

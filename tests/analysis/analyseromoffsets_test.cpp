@@ -4,12 +4,10 @@
 
 #include "analysis/analysistest.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
-
-constexpr const char* cId = "copied 1.0";
 
 class AnalyseRomOffsetsTest : public RomTest {
 protected:
@@ -27,8 +25,8 @@ protected:
 };
 
 TEST_F(AnalyseRomOffsetsTest, MissingBoundsAreProposed) {
-    rom({{16, 48, 24, cId}});
-    rom({{100, 140, 104, cId}});
+    rom({{16, 48, 24, cCopied}});
+    rom({{100, 140, 104, cCopied}});
     forget(0, 0, true, true);
     // The other begins 4 bytes before its tag and ends 36 behind it.
     EXPECT_EQ(console(),
@@ -37,8 +35,8 @@ TEST_F(AnalyseRomOffsetsTest, MissingBoundsAreProposed) {
 }
 
 TEST_F(AnalyseRomOffsetsTest, EachBoundByItself) {
-    rom({{16, 48, 24, cId}, {64, 96, 72, cId}, {128, 160, 136, cId}});
-    rom({{100, 140, 104, cId}});
+    rom({{16, 48, 24, cCopied}, {64, 96, 72, cCopied}, {128, 160, 136, cCopied}});
+    rom({{100, 140, 104, cCopied}});
     forget(0, 0, true, false);
     forget(0, 1, false, true);
     EXPECT_EQ(console(),
@@ -47,8 +45,8 @@ TEST_F(AnalyseRomOffsetsTest, EachBoundByItself) {
 }
 
 TEST_F(AnalyseRomOffsetsTest, WhatTheOtherDoesNotKnowEitherIsNotProposed) {
-    rom({{16, 48, 24, cId}});
-    rom({{100, 140, 104, cId}});
+    rom({{16, 48, 24, cCopied}});
+    rom({{100, 140, 104, cCopied}});
     forget(0, 0, true, true);
     forget(1, 0, true, false);
     EXPECT_EQ(console(),
@@ -61,8 +59,8 @@ TEST_F(AnalyseRomOffsetsTest, WhatTheOtherDoesNotKnowEitherIsNotProposed) {
 }
 
 TEST_F(AnalyseRomOffsetsTest, ComponentsThatAreKnownOrHaveNoNameAreLeftOut) {
-    rom({{16, 48, 24, cId}, {64, 96, 72, {}}, {128, 160, 136, "other 1.0"}});
-    rom({{16, 48, 24, cId}, {64, 96, 72, {}}, {128, 160, 136, "Other 1.0"}});
+    rom({{16, 48, 24, cCopied}, {64, 96, 72, {}}, {128, 160, 136, "other 1.0"}});
+    rom({{16, 48, 24, cCopied}, {64, 96, 72, {}}, {128, 160, 136, "Other 1.0"}});
     forget(0, 1, true, true);
     EXPECT_EQ(console(), "");
     forget(0, 2, true, true);
@@ -70,9 +68,9 @@ TEST_F(AnalyseRomOffsetsTest, ComponentsThatAreKnownOrHaveNoNameAreLeftOut) {
 }
 
 TEST_F(AnalyseRomOffsetsTest, EveryOtherSlotAndEveryCopyInItIsTold) {
-    rom({{100, 140, 104, cId}});
-    rom({{16, 48, 24, cId}, {64, 96, 72, cId}});
-    rom({{0, 4, 0, {}}, {8, 40, 16, cId}, {50, 90, 60, cId}});
+    rom({{100, 140, 104, cCopied}});
+    rom({{16, 48, 24, cCopied}, {64, 96, 72, cCopied}});
+    rom({{0, 4, 0, {}}, {8, 40, 16, cCopied}, {50, 90, 60, cCopied}});
     forget(1, 1, true, true);
     EXPECT_EQ(expectunchanged(1, [] { EXPECT_EQ(analyseromoffsets(1), 0); }),
               lines({"copied 1.0", "   Matching/Missing START for 1 at 0:0", "   editcomponent 1 START=68",
@@ -86,7 +84,7 @@ TEST_F(AnalyseRomOffsetsTest, EveryOtherSlotAndEveryCopyInItIsTold) {
 TEST_F(AnalyseRomOffsetsTest, WithASingleRomItIsSilent) {
     for (const int32_t slot : {-1, 0, 1, 20})
         EXPECT_EQ(at(1, [&] { EXPECT_EQ(analyseromoffsets(slot), 0); }), "");
-    rom({{16, 48, 24, cId}, {64, 96, 72, cId}});
+    rom({{16, 48, 24, cCopied}, {64, 96, 72, cCopied}});
     forget(0, 0, true, true);
     for (const int32_t slot : {-1, 0, 1, 20})
         EXPECT_EQ(console(slot), "");
@@ -95,7 +93,7 @@ TEST_F(AnalyseRomOffsetsTest, WithASingleRomItIsSilent) {
 TEST_F(AnalyseRomOffsetsTest, SlotsThatDoNotExistAreRefused) {
     rom({});
     rom({});
-    for (const int32_t slot : {-1, 2, 20, std::numeric_limits<int32_t>::min()}) {
+    for (const int32_t slot : {-1, 2, 20, INT32_MIN}) {
         EXPECT_EQ(console(slot), "ERROR, No current ROM\n");
         EXPECT_EQ(at(0, [&] { analyseromoffsets(slot); }), "");
     }
@@ -104,8 +102,8 @@ TEST_F(AnalyseRomOffsetsTest, SlotsThatDoNotExistAreRefused) {
 TEST_F(AnalyseRomOffsetsTest, EverythingIsShownAboveLevelZero) {
     expectthresholds(
         [] {
-            rom({{16, 48, 24, cId}});
-            rom({{100, 140, 104, cId}});
+            rom({{16, 48, 24, cCopied}});
+            rom({{100, 140, 104, cCopied}});
             forget(0, 0, true, true);
         },
         [] { analyseromoffsets(0); },

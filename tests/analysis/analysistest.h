@@ -10,6 +10,9 @@
 
 namespace vantorel::test {
 
+/// The id string of components that are copies of each other.
+inline constexpr const char* cCopied = "copied 1.0";
+
 /// A component whose bounds are all verified.
 struct Place {
     int32_t start = 0;

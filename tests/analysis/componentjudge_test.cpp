@@ -11,13 +11,13 @@
 namespace vantorel::test {
 namespace {
 
-constexpr std::array<uint32_t, 5> cBases = {0xF80000, 0xFC0000, 0x10000, 0x01010101, 0xFFFFFFF0};
+constexpr std::array<uint32_t, 5> cRunAt = {0xF80000, 0xFC0000, 0x10000, 0x01010101, 0xFFFFFFF0};
 
 class ComponentJudgeTest : public RomTest {
 protected:
     // A slot with up to three components, one of them by chance called like the one in slot 0.
     static void makerom(Noise& noise) {
-        const uint32_t base = cBases.at(noise() % cBases.size());
+        const uint32_t base = cRunAt.at(noise() % cRunAt.size());
         Bytes image(noise() % 120 + 8, 0);
         const auto size = static_cast<int32_t>(image.size());
         for (size_t at = 0; at + 4 <= image.size(); at += 1 + noise() % 4)
@@ -43,7 +43,7 @@ protected:
     // A slot with what slot 0 holds, relocated, further on, and with some bytes changed.
     static void makecopy(Noise& noise) {
         const KickstartRom& first = slotat(0);
-        const uint32_t base = cBases.at(noise() % cBases.size());
+        const uint32_t base = cRunAt.at(noise() % cRunAt.size());
         const uint32_t shift = noise() % 20;
         Bytes image(shift, 0);
         image.insert(image.end(), first.pcROM.begin(), first.pcROM.end());

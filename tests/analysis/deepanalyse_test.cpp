@@ -4,12 +4,10 @@
 
 #include "analysis/analysistest.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
-
-constexpr int32_t cMost = std::numeric_limits<int32_t>::max();
 
 constexpr const char* cSamePlace = "The following reloc value at the same position in the target component, "
                                    "unlikely RELOC unless the components are in the same position in the ROM";
@@ -306,7 +304,7 @@ TEST_F(DeepAnalyseTest, BehindTheLastChunkAddressesAreToldTwice) {
 }
 
 TEST_F(DeepAnalyseTest, WithoutAChunkEverythingIsBeforeAndAfter) {
-    for (const int32_t least : {16, 17, 64, cMost}) {
+    for (const int32_t least : {16, 17, 64, INT32_MAX}) {
         silently([] { freeroms(); });
         pair({0x00001000, 0x11111111, 0x00001010, 0x22222222},
              {0x00002000, 0x11111111, 0x00002010, 0x22222222});

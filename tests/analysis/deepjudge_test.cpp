@@ -11,7 +11,7 @@
 namespace vantorel::test {
 namespace {
 
-constexpr std::array<uint32_t, 5> cBases = {0, 0x1000, 0xF80000, 0x10001000, 0xFFFFFFE0};
+constexpr std::array<uint32_t, 5> cAnyBases = {0, 0x1000, 0xF80000, 0x10001000, 0xFFFFFFE0};
 constexpr std::array<int32_t, 9> cLeasts = {1, 2, 3, 4, 6, 8, 16, 64, 1000};
 
 // What a run of trials has met, so that it can be said that the trials meet everything.
@@ -112,7 +112,7 @@ protected:
         const uint32_t size = least + making.upto(most - least);
         const Place place = making.place(size);
         Bytes image(size, 0);
-        const uint32_t base = making.oneof(cBases);
+        const uint32_t base = making.oneof(cAnyBases);
         making.scatter(image, place, base);
         slotof(std::move(image), base, {place});
         return place;
@@ -120,7 +120,7 @@ protected:
 
     // Slot 1: what the first is, at another place of another image; now and then something else.
     static void makesecond(Making& making, const Place& first) {
-        const uint32_t base = making.oneof(cBases);
+        const uint32_t base = making.oneof(cAnyBases);
         const int32_t start = static_cast<int32_t>(making.upto(30));
         const Bytes bytes = bytesat(0, first.start, first.end - first.start);
         const uint32_t low = slotat(0).iROMBase + static_cast<uint32_t>(first.start);

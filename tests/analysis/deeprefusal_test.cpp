@@ -4,13 +4,10 @@
 
 #include "analysis/analysistest.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
-
-constexpr int32_t cMost = std::numeric_limits<int32_t>::max();
-constexpr int32_t cLeast = std::numeric_limits<int32_t>::min();
 
 constexpr const char* cNoRom = "ERROR, please load or create a ROM\n";
 constexpr const char* cRomRange = "ERROR, source or destination ROM out of range\n";
@@ -62,12 +59,12 @@ protected:
 
 TEST_F(DeepRefusalTest, WithoutAnyRomNothingElseIsLookedAt) {
     silently([] { freeroms(); });
-    for (const int32_t rom : {-1, 0, 20, cMost})
+    for (const int32_t rom : {-1, 0, 20, INT32_MAX})
         expectrefused({rom, -7, rom, 9}, cNoRom);
 }
 
 TEST_F(DeepRefusalTest, SlotsOutOfRange) {
-    for (const int32_t rom : {-1, 2, 19, 20, cMost, cLeast}) {
+    for (const int32_t rom : {-1, 2, 19, 20, INT32_MAX, INT32_MIN}) {
         expectrefused({.srcRom = rom}, cRomRange);
         expectrefused({.dstRom = rom}, cRomRange);
         expectrefused({.srcRom = rom, .srcComponent = 9, .dstComponent = 9}, cRomRange);
@@ -75,7 +72,7 @@ TEST_F(DeepRefusalTest, SlotsOutOfRange) {
 }
 
 TEST_F(DeepRefusalTest, ComponentsOutOfRange) {
-    for (const int32_t component : {-1, 1, cMost, cLeast}) {
+    for (const int32_t component : {-1, 1, INT32_MAX, INT32_MIN}) {
         expectrefused({.srcComponent = component}, cComponentRange);
         expectrefused({.dstComponent = component}, cComponentRange);
     }
@@ -89,7 +86,7 @@ TEST_F(DeepRefusalTest, TheRangeOfTheComponentsIsAskedForBeforeTheirBounds) {
 TEST_F(DeepRefusalTest, EachOfTheFourBoundsHasToBeVerified) {
     for (const int32_t rom : {0, 1})
         for (int32_t Component::*bound : {&Component::iFixedStart, &Component::iFixedEnd})
-            for (const int32_t value : {-1, cLeast}) {
+            for (const int32_t value : {-1, INT32_MIN}) {
                 Component& record = componentat(rom, 0);
                 const int32_t former = record.*bound;
                 record.*bound = value;
@@ -110,9 +107,9 @@ TEST_F(DeepRefusalTest, ComponentsThatDoNotLieInTheirImages) {
         const Component former = componentat(rom, 0);
         componentat(rom, 0).iFixedEnd = 17;
         expectoneerror({});
-        componentat(rom, 0).iFixedEnd = cMost;
+        componentat(rom, 0).iFixedEnd = INT32_MAX;
         expectoneerror({});
-        componentat(rom, 0).iFixedStart = cMost;
+        componentat(rom, 0).iFixedStart = INT32_MAX;
         expectoneerror({});
         componentat(rom, 0) = former;
     }

@@ -13,10 +13,10 @@
 namespace vantorel::test {
 namespace {
 
-using Relocs = std::set<int32_t>;
+using RelocSet = std::set<int32_t>;
 
 constexpr int32_t cImageSize = 256 * 1024;
-constexpr std::array<uint32_t, 5> cBases = {0xF80000, 0xFC0000, 0xE00000, 0x200000, 0xF00000};
+constexpr std::array<uint32_t, 5> cRomBases = {0xF80000, 0xFC0000, 0xE00000, 0x200000, 0xF00000};
 
 // Relocs found compared with those that there are.
 struct Score {
@@ -25,7 +25,7 @@ struct Score {
     int missed = 0;
     int wrong = 0;
 
-    void add(const Relocs& real, const Relocs& told) {
+    void add(const RelocSet& real, const RelocSet& told) {
         ++pairs;
         for (const int32_t reloc : told)
             real.contains(reloc) ? ++found : ++wrong;
@@ -40,8 +40,8 @@ struct Score {
 };
 
 // The numbers behind `head` at the beginnings of lines.
-Relocs numbersbehind(const std::string& text, const std::string& head) {
-    Relocs numbers;
+RelocSet numbersbehind(const std::string& text, const std::string& head) {
+    RelocSet numbers;
     for (size_t at = text.find("\n" + head); at != std::string::npos; at = text.find("\n" + head, at + 1))
         numbers.insert(std::stoi(text.substr(at + 1 + head.size())));
     return numbers;
@@ -81,7 +81,8 @@ public:
             spec.functions = std::min(spec.functions, 2);
             spec.pointers.clear();
         }
-        places = {place(cBases.at(noise() % cBases.size())), place(cBases.at(noise() % cBases.size()))};
+        places = {place(cRomBases.at(noise() % cRomBases.size())),
+                  place(cRomBases.at(noise() % cRomBases.size()))};
         // The very same address proves nothing.
         if (addressof(places[0]) == addressof(places[1])) places[1].second += 64;
     }
@@ -110,7 +111,7 @@ public:
             changes, [&](int32_t change) { return change < offset + size && offset < change + 2; });
     }
 
-    Relocs relocs;
+    RelocSet relocs;
     ModuleSpec spec;
     std::set<int32_t> changes; // offsets of changed words
 
@@ -139,7 +140,7 @@ private:
 
 class PairsTest : public RomTest {
 protected:
-    static Relocs addedtofirst() {
+    static RelocSet addedtofirst() {
         silently([] { analysecomponent(0, 0, VerifiedRelocs::Add); });
         return {componentat(0, 0).ipRelocs.begin(), componentat(0, 0).ipRelocs.end()};
     }
@@ -176,7 +177,7 @@ TEST_F(PairsTest, OfModulesThatDifferALittleOnlyDamagedRelocsAreMissed) {
         ModulePair pair(trial + 1001);
         pair.damage();
         pair.load();
-        const Relocs told = addedtofirst();
+        const RelocSet told = addedtofirst();
         quick.add(pair.relocs, told);
         for (const int32_t reloc : pair.relocs)
             ASSERT_EQ(told.contains(reloc), !pair.ischanged(reloc, 4)) << "pair " << trial << ", " << reloc;
@@ -220,7 +221,7 @@ TEST_F(PairsTest, TheDeepAnalysisMissesWhatLiesOrPointsOutsideTheChunks) {
         pair.load();
         const std::string text = deepoutput();
         const std::vector<ToldChunk> chunks = toldchunks(text);
-        const Relocs told = numbersbehind(text, "Verified RELOC=");
+        const RelocSet told = numbersbehind(text, "Verified RELOC=");
         deep.add(pair.relocs, told);
         for (const int32_t reloc : pair.relocs) {
             const Miss miss = missof(pair, chunks, reloc);
@@ -237,15 +238,13 @@ TEST_F(PairsTest, TheDeepAnalysisMissesWhatLiesOrPointsOutsideTheChunks) {
 
 // What follows shows by one example each what the design of the analyses cannot tell apart.
 
-constexpr const char* cId = "pair 40.1";
-
-Relocs quicklytold() {
+RelocSet quicklytold() {
     return numbersbehind(at(1, [] { analysecomponent(0, 0, VerifiedRelocs::Tell); }), "Verified RELOC=");
 }
 
 class LimitsTest : public PairsTest {
 protected:
-    static Relocs deeplytold(int32_t least = 4) {
+    static RelocSet deeplytold(int32_t least = 4) {
         return numbersbehind(at(1, [&] { deepanalysecomponent(0, 0, 1, 0, least); }), "Verified RELOC=");
     }
     static void pair(const std::vector<uint32_t>& first, const std::vector<uint32_t>& second) {
@@ -253,7 +252,7 @@ protected:
         wholeslot(longs(second), 0xFC0000);
         for (const int32_t rom : {0, 1}) {
             componentat(rom, 0).iROMTag = 0;
-            componentat(rom, 0).pcLibString = cId;
+            componentat(rom, 0).pcLibString = cCopied;
         }
     }
 };
@@ -263,28 +262,28 @@ protected:
 // value be an address of the component, and is not misled.
 TEST_F(LimitsTest, DataThatDiffersAsTheBasesDoLooksLikeAReloc) {
     pair({0x4AFC1111, 0x20242526, 0x33333333, 0x44444444}, {0x4AFC1111, 0x20282526, 0x33333333, 0x44444444});
-    EXPECT_EQ(quicklytold(), Relocs{4});
-    EXPECT_EQ(deeplytold(), Relocs{});
+    EXPECT_EQ(quicklytold(), RelocSet{4});
+    EXPECT_EQ(deeplytold(), RelocSet{});
 }
 
 // Such a false hit takes four bytes, and with the last of them the beginning of a true reloc: at 5 stand
 // 20 24 26 00 and 20 28 26 00. The deep analysis goes by even addresses that point into the component.
 TEST_F(LimitsTest, AFalseRelocHidesTheTrueOneBehindIt) {
     pair({0x4AFC1111, 0x22202426, 0x00F80000, 0x44444444}, {0x4AFC1111, 0x22202826, 0x00FC0000, 0x44444444});
-    EXPECT_EQ(quicklytold(), Relocs{5});
-    EXPECT_EQ(deeplytold(), Relocs{8});
+    EXPECT_EQ(quicklytold(), RelocSet{5});
+    EXPECT_EQ(deeplytold(), RelocSet{8});
 }
 
 // Copies that run at the same address do not differ at all, be the bases and the offsets "Good": every long
 // seems to be a reloc.
 TEST_F(LimitsTest, CopiesAtTheSameAddressProveNothing) {
-    slotof(longs({0, 0x4AFC1111, 0x00F80004, 0x33333333}), 0xF80000, {{4, 16, 4, cId}});
-    slotof(longs({0x4AFC1111, 0x00F80004, 0x33333333}), 0xF80004, {{0, 12, 0, cId}});
+    slotof(longs({0, 0x4AFC1111, 0x00F80004, 0x33333333}), 0xF80000, {{4, 16, 4, cCopied}});
+    slotof(longs({0x4AFC1111, 0x00F80004, 0x33333333}), 0xF80004, {{0, 12, 0, cCopied}});
     const std::string text = at(1, [] { analysecomponent(0, 0, VerifiedRelocs::Tell); });
     EXPECT_TRUE(has(text, "ROM Offset=4 (Good)\nROMBase Offset=fffffffc (Good)\n"));
-    EXPECT_EQ(quicklytold(), (Relocs{0, 4, 8}));
+    EXPECT_EQ(quicklytold(), (RelocSet{0, 4, 8}));
     // The deep analysis notes that the value is identical, and verifies it all the same.
-    EXPECT_EQ(deeplytold(), Relocs{4});
+    EXPECT_EQ(deeplytold(), RelocSet{4});
 }
 
 // Two bytes more before a reloc, and the byte by byte comparison has lost its way; the deep analysis finds
@@ -292,8 +291,8 @@ TEST_F(LimitsTest, CopiesAtTheSameAddressProveNothing) {
 TEST_F(LimitsTest, InsertedBytesMisleadTheQuickComparisonOnly) {
     pair({0x4AFC1111, 0x22222222, 0x33333333, 0x00F80010, 0x44444444, 0x55555555},
          {0x4AFC1111, 0x22222222, 0x77773333, 0x333300FC, 0x00124444, 0x44445555, 0x55550000});
-    EXPECT_EQ(quicklytold(), Relocs{});
-    EXPECT_EQ(deeplytold(), Relocs{12});
+    EXPECT_EQ(quicklytold(), RelocSet{});
+    EXPECT_EQ(deeplytold(), RelocSet{12});
 }
 
 // At the seam of two chunks the address belongs to the first one, whose end counts as inside, but its
@@ -311,19 +310,19 @@ TEST_F(LimitsTest, APointerToTheSeamOfTwoChunksIsNotVerified) {
 TEST_F(LimitsTest, APointerIntoUnmatchedBytesIsNotVerified) {
     pair({0x4AFC1111, 0x00F80010, 0x22222222, 0x77777777, 0x77777777, 0x33333333, 0x44444444},
          {0x4AFC1111, 0x00FC0010, 0x22222222, 0x66666666, 0x66666666, 0x33333333, 0x44444444});
-    EXPECT_EQ(quicklytold(), Relocs{4});
-    EXPECT_EQ(deeplytold(8), Relocs{});
+    EXPECT_EQ(quicklytold(), RelocSet{4});
+    EXPECT_EQ(deeplytold(8), RelocSet{});
 }
 
 // An address of another module is no potential reloc to the deep analysis. The quick one verifies it if that
 // module has moved as far as this one.
 TEST_F(LimitsTest, APointerIntoAnotherModuleIsNoneToTheDeepAnalysis) {
     pair({0x4AFC1111, 0x00F80100, 0x22222222}, {0x4AFC1111, 0x00FC0100, 0x22222222});
-    EXPECT_EQ(quicklytold(), Relocs{4});
-    EXPECT_EQ(deeplytold(), Relocs{});
+    EXPECT_EQ(quicklytold(), RelocSet{4});
+    EXPECT_EQ(deeplytold(), RelocSet{});
     silently([] { freeroms(); });
     pair({0x4AFC1111, 0x00F80100, 0x22222222}, {0x4AFC1111, 0x00FC0110, 0x22222222});
-    EXPECT_EQ(quicklytold(), Relocs{});
+    EXPECT_EQ(quicklytold(), RelocSet{});
 }
 
 } // namespace

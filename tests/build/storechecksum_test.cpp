@@ -8,7 +8,7 @@ namespace vantorel::test {
 
 namespace {
 
-constexpr int32_t iRomSize = 262144;
+constexpr int32_t iSoundSize = 262144;
 
 class StoreChecksum : public RomTest {
 protected:
@@ -33,7 +33,7 @@ protected:
         });
     }
 
-    BuiltRom rom = standardrom(iRomSize);
+    BuiltRom rom = standardrom(iSoundSize);
     int32_t number = -1;
     int result = -1;
 };
@@ -50,7 +50,7 @@ TEST_F(StoreChecksum, RepairsAChangedImage) {
     slotat(0).pcROM[1000] ^= 0xFF;
     EXPECT_EQ(printed(), "");
     EXPECT_EQ(carrysum(slotat(0).pcROM), 0xFFFFFFFFU);
-    EXPECT_EQ(longat(slotat(0).pcROM, iRomSize - 24), kickstartsum(slotat(0).pcROM));
+    EXPECT_EQ(longat(slotat(0).pcROM, iSoundSize - 24), kickstartsum(slotat(0).pcROM));
 }
 
 TEST_F(StoreChecksum, WithoutAComponentChangesNothing) {
@@ -80,11 +80,11 @@ TEST_F(StoreChecksum, OfTwoComponentsTheFirstIsWritten) {
     first.iStart = 2000;
     first.iSize = 4;
     slotat(0).pcROM[1000] ^= 0xFF;
-    const auto stored = longat(slotat(0).pcROM, iRomSize - 24);
+    const auto stored = longat(slotat(0).pcROM, iSoundSize - 24);
     const uint32_t sum = kickstartsum(slotat(0).pcROM);
     EXPECT_EQ(printed(), "");
     EXPECT_EQ(longat(slotat(0).pcROM, 2000), sum);
-    EXPECT_EQ(longat(slotat(0).pcROM, iRomSize - 24), stored);
+    EXPECT_EQ(longat(slotat(0).pcROM, iSoundSize - 24), stored);
 }
 
 TEST_F(StoreChecksum, IsRefusedWhereItsComponentDoesNotLieInTheImage) {
@@ -92,7 +92,7 @@ TEST_F(StoreChecksum, IsRefusedWhereItsComponentDoesNotLieInTheImage) {
         uint32_t start;
         uint32_t end;
     };
-    constexpr uint32_t iEnd = iRomSize;
+    constexpr uint32_t iEnd = iSoundSize;
     const std::array<Bounds, 7> bounds = {{
         {iEnd - 24, iEnd + 1},      // begins inside
         {iEnd, iEnd + 4},           // right behind
@@ -114,13 +114,13 @@ TEST_F(StoreChecksum, IsRefusedWhereItsComponentDoesNotLieInTheImage) {
 
 TEST_F(StoreChecksum, IsRefusedWhereALongDoesNotFit) {
     slotat(0).iROMBase = 0xFFFFFFFF;
-    for (const uint32_t start : {iRomSize - 3U, iRomSize - 2U, iRomSize - 1U}) {
-        edit(start, iRomSize);
+    for (const uint32_t start : {iSoundSize - 3U, iSoundSize - 2U, iSoundSize - 1U}) {
+        edit(start, iSoundSize);
         const std::string text = printed();
         EXPECT_TRUE(text.starts_with("ERROR") && countof(text, "\n") == 1) << text;
         EXPECT_TRUE(slotat(0).pcROM == rom.image);
     }
-    edit(iRomSize - 4, iRomSize);
+    edit(iSoundSize - 4, iSoundSize);
     EXPECT_EQ(printed(), "");
 }
 
@@ -128,7 +128,7 @@ TEST_F(StoreChecksum, AMapThatPutsItOutsideTheImageLeavesItOut) {
     freshstate();
     std::vector<MapLine> map = rom.map;
     for (MapLine& line : map)
-        if (line.type == "Checksum") line.start = iRomSize - 2;
+        if (line.type == "Checksum") line.start = iSoundSize - 2;
     hashes.rom(rom, {.map = map});
     index();
     loaded(rom.image);

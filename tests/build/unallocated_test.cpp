@@ -8,13 +8,13 @@ namespace vantorel::test {
 
 namespace {
 
-constexpr int32_t iRomSize = 4096;
+constexpr int32_t iEmptySize = 4096;
 
 class Unallocated : public FreshTest {
 protected:
     void SetUp() override {
         FreshTest::SetUp();
-        silently([] { newrom(iRomSize, 0); });
+        silently([] { newrom(iEmptySize, 0); });
     }
 
     /// Adds a block; what is said is in `console`.
@@ -57,7 +57,7 @@ TEST_F(Unallocated, TheFirstBlockBeginsTheImage) {
     EXPECT_FALSE(block.pcLibString);
     EXPECT_EQ(block.pcExtract, Bytes(1024, 0xFF));
     EXPECT_EQ(slotat(0).iUsed, 1024);
-    Bytes expected(iRomSize, 0);
+    Bytes expected(iEmptySize, 0);
     std::fill_n(expected.begin(), 1024, uint8_t{0xFF});
     EXPECT_EQ(slotat(0).pcROM, expected);
 }
@@ -87,28 +87,28 @@ TEST_F(Unallocated, TheLastByteOfTheImageCanBeTaken) {
     EXPECT_EQ(slotat(0).iUsed, 4000);
     EXPECT_EQ(slotat(0).iComponents(), 1);
     EXPECT_EQ(add(96, 2), 0);
-    EXPECT_EQ(slotat(0).iUsed, iRomSize);
+    EXPECT_EQ(slotat(0).iUsed, iEmptySize);
 }
 
 TEST_F(Unallocated, WhatIsLargerThanTheImageIsRefused) {
-    for (const int32_t bytes : {iRomSize + 1, 2147483647}) {
+    for (const int32_t bytes : {iEmptySize + 1, 2147483647}) {
         EXPECT_EQ(add(bytes, 1), -1);
         EXPECT_EQ(console, cNoSpace);
     }
     EXPECT_EQ(slotat(0).iComponents(), 0);
-    EXPECT_EQ(slotat(0).pcROM, Bytes(iRomSize, 0));
+    EXPECT_EQ(slotat(0).pcROM, Bytes(iEmptySize, 0));
 }
 
 TEST_F(Unallocated, TheWholeImageCanBeTaken) {
-    EXPECT_EQ(add(iRomSize, 9), 0);
-    EXPECT_EQ(slotat(0).pcROM, Bytes(iRomSize, 9));
+    EXPECT_EQ(add(iEmptySize, 9), 0);
+    EXPECT_EQ(slotat(0).pcROM, Bytes(iEmptySize, 9));
 }
 
 TEST_F(Unallocated, ABlockOfNoBytesIsAComponentToo) {
     EXPECT_EQ(add(0, 9), 0);
     EXPECT_EQ(componentat(0, 0).iSize, 0);
     EXPECT_EQ(slotat(0).iUsed, 0);
-    EXPECT_EQ(slotat(0).pcROM, Bytes(iRomSize, 0));
+    EXPECT_EQ(slotat(0).pcROM, Bytes(iEmptySize, 0));
 }
 
 TEST_F(Unallocated, ItMakesRoomForTheEndOfTheImageOnlyBelowIt) {
@@ -117,10 +117,10 @@ TEST_F(Unallocated, ItMakesRoomForTheEndOfTheImageOnlyBelowIt) {
         addsize(0);
         addvectors(0);
     });
-    EXPECT_EQ(add(iRomSize - 24, 9), 0);
+    EXPECT_EQ(add(iEmptySize - 24, 9), 0);
     EXPECT_EQ(componentat(0, 0).pcName, "Unallocated");
     EXPECT_EQ(componentat(0, 1).pcName, "Checksum");
-    EXPECT_EQ(slotat(0).iUsed, iRomSize);
+    EXPECT_EQ(slotat(0).iUsed, iEmptySize);
     EXPECT_EQ(add(1, 9), -1);
     EXPECT_EQ(console, cNoSpace);
 }

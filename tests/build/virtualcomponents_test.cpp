@@ -4,7 +4,7 @@
 
 #include "rom/romtest.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 
@@ -237,7 +237,7 @@ TEST_F(Structures, NoneIsAddedTwice) {
 
 TEST_F(Structures, SlotsThatDoNotExistAreRefused) {
     romof(i512K);
-    for (const int32_t rom : {-1, 1, 20, std::numeric_limits<int32_t>::min()}) {
+    for (const int32_t rom : {-1, 1, 20, INT32_MIN}) {
         for (const Add add : {addkickitysplit, addchecksum, addsize, addvectors}) {
             const Answer given = answer(add, rom);
             EXPECT_EQ(given.result, 1);

@@ -7,13 +7,10 @@
 #include "rom/rombase.h"
 
 #include <algorithm>
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
-
-constexpr int32_t cLeast = std::numeric_limits<int32_t>::min();
-constexpr int32_t cMost = std::numeric_limits<int32_t>::max();
 
 class FindComponentTest : public RomTest {
 protected:
@@ -83,7 +80,7 @@ TEST_F(DeleteComponentTest, FirstAndLastGoToo) {
 }
 
 TEST_F(DeleteComponentTest, MissingSlotsAndComponentsAreRefused) {
-    for (const int32_t component : {-1, 3, cMost, cLeast})
+    for (const int32_t component : {-1, 3, INT32_MAX, INT32_MIN})
         EXPECT_EQ(expectunchanged(0, [&] { deletecomponent(0, component); }), "ERROR: No such component\n");
     for (const int32_t rom : {-1, 1, 20})
         EXPECT_EQ(expectunchanged(0, [&] { deletecomponent(rom, 0); }), "ERROR, No current ROM\n");
@@ -91,7 +88,7 @@ TEST_F(DeleteComponentTest, MissingSlotsAndComponentsAreRefused) {
 }
 
 TEST_F(DeleteComponentTest, OneOutsideItsImageStays) {
-    for (const Extent& place : std::vector<Extent>{{-1, 5}, {96, 5}, {50, -1}, {cMost, cMost}}) {
+    for (const Extent& place : std::vector<Extent>{{-1, 5}, {96, 5}, {50, -1}, {INT32_MAX, INT32_MAX}}) {
         componentat(0, 1).iStart = place.start;
         componentat(0, 1).iSize = place.size;
         EXPECT_TRUE(isoneerror(expectunchanged(0, [] { deletecomponent(0, 1); }))) << place.start;
@@ -167,18 +164,18 @@ TEST_F(BoundsTest, AnyBoundIsTaken) {
     EXPECT_EQ(edited([] { editcomponentend(0, 1, 500); }).iSize, -12) << "an end before the start";
     EXPECT_EQ(edited([] { editcomponentstart(0, 1, 5000); }).iStart, 5000) << "a start behind the image";
     edited([] { editcomponentend(0, 1, 0x80000000); });
-    EXPECT_EQ(componentat(0, 1).iFixedEnd, cLeast);
+    EXPECT_EQ(componentat(0, 1).iFixedEnd, INT32_MIN);
     edited([] { editcomponentstart(0, 1, 0x7FFFFFFF); });
     edited([] { editcomponentend(0, 1, 0); });
     edited([] { editcomponentstart(0, 1, 0x80000000); });
-    EXPECT_EQ(componentat(0, 1).iStart, cLeast);
+    EXPECT_EQ(componentat(0, 1).iStart, INT32_MIN);
 }
 
 TEST_F(BoundsTest, MissingSlotsAndComponentsAreRefused) {
     for (const auto& edit : {editcomponentstart, editcomponentend}) {
         for (const int32_t rom : {-1, 1, 20})
             EXPECT_EQ(expectunchanged(0, [&] { edit(rom, 0, 8); }), "ERROR, No current ROM\n");
-        for (const int32_t component : {-1, 2, cMost})
+        for (const int32_t component : {-1, 2, INT32_MAX})
             EXPECT_EQ(expectunchanged(0, [&] { edit(0, component, 8); }), "ERROR: No such component\n");
         EXPECT_EQ(at(0, [&] { edit(0, 2, 8); }), "");
     }
@@ -250,7 +247,7 @@ TEST_F(ComponentDataTest, AbsentTextsAreEmpty) {
 TEST_F(ComponentDataTest, WithoutSlotOrComponentTheRecordIsUntouched) {
     slotwith(100, {{0, 4}});
     for (const auto& [rom, component] : std::vector<std::pair<int32_t, int32_t>>{
-             {-1, 0}, {1, 0}, {20, 0}, {0, 1}, {0, -1}, {0, cMost}, {cLeast, 0}}) {
+             {-1, 0}, {1, 0}, {20, 0}, {0, 1}, {0, -1}, {0, INT32_MAX}, {INT32_MIN, 0}}) {
         ComponentData data{"a", "b", "c", 4, 5};
         EXPECT_EQ(getcomponentdata(rom, component, data), -1);
         EXPECT_EQ(data.cName + data.cType + data.cHash, "abc");

@@ -7,15 +7,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
 
 using Relocs = std::vector<int32_t>;
-
-constexpr int32_t cMost = std::numeric_limits<int32_t>::max();
-constexpr int32_t cLeast = std::numeric_limits<int32_t>::min();
 
 class RelocEditTest : public RomTest {
 protected:
@@ -71,7 +68,7 @@ TEST_F(RelocEditTest, TheLastLongIsTakenAndOneByteBehindItIsNot) {
     EXPECT_EQ(add(60), "");
     EXPECT_EQ(expectunchanged(0, [] { EXPECT_EQ(addreloc(0, 1, 61), 1); }),
               "ERROR, reloc (61) out of range Size=64\n");
-    EXPECT_EQ(expectunchanged(0, [] { EXPECT_EQ(addreloc(0, 1, cMost), 1); }),
+    EXPECT_EQ(expectunchanged(0, [] { EXPECT_EQ(addreloc(0, 1, INT32_MAX), 1); }),
               "ERROR, reloc (2147483647) out of range Size=64\n");
     EXPECT_EQ(relocs(), Relocs{60});
 }
@@ -83,7 +80,7 @@ TEST_F(RelocEditTest, InAComponentShorterThanALongNothingFits) {
 }
 
 TEST_F(RelocEditTest, ANegativeOffsetIsRefused) {
-    for (const int32_t offset : {-1, -4, cLeast})
+    for (const int32_t offset : {-1, -4, INT32_MIN})
         EXPECT_TRUE(isoneerror(expectunchanged(0, [&] { EXPECT_EQ(addreloc(0, 1, offset), 1); })));
 }
 
@@ -150,17 +147,17 @@ TEST_F(RelocEditTest, OfTwoEqualOnesTheFirstGoes) {
 
 TEST_F(RelocEditTest, WhatIsNotInTheListCannotBeDeleted) {
     relocs() = {8, 24};
-    for (const int32_t offset : {0, 9, 64, -8, cMost, cLeast})
+    for (const int32_t offset : {0, 9, 64, -8, INT32_MAX, INT32_MIN})
         EXPECT_EQ(expectunchanged(0, [&] { EXPECT_EQ(deletereloc(0, 1, offset), 1); }),
                   "ERROR, reloc " + std::to_string(offset) + " not found\n");
 }
 
 TEST_F(RelocEditTest, MissingSlotsAndComponentsAreRefused) {
     for (const auto& edit : {addreloc, deletereloc}) {
-        for (const int32_t rom : {-1, 1, 20, cMost})
+        for (const int32_t rom : {-1, 1, 20, INT32_MAX})
             EXPECT_EQ(expectunchanged(0, [&] { EXPECT_EQ(edit(rom, 1, 8), 1); }),
                       "ERROR, ROM out of range\n");
-        for (const int32_t component : {-1, 2, cMost, cLeast})
+        for (const int32_t component : {-1, 2, INT32_MAX, INT32_MIN})
             EXPECT_EQ(expectunchanged(0, [&] { EXPECT_EQ(edit(0, component, 8), 1); }),
                       "ERROR, component out of range\n");
         EXPECT_EQ(at(0, [&] { edit(0, 2, 8); }), "");
@@ -371,7 +368,7 @@ TEST_F(RelocScanTest, MissingSlotsAndComponentsAreRefused) {
     makeslot(Bytes(12, 0), {0, 12}, 0);
     for (const int32_t rom : {-1, 1, 20})
         EXPECT_EQ(expectunchanged(0, [&] { addrelocs(rom, 0); }), "ERROR, No current ROM\n");
-    for (const int32_t component : {-1, 1, cMost})
+    for (const int32_t component : {-1, 1, INT32_MAX})
         EXPECT_EQ(expectunchanged(0, [&] { addrelocs(0, component); }), "ERROR: No such component\n");
 }
 

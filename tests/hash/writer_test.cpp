@@ -5,8 +5,8 @@
 #include "rom/romtest.h"
 #include "shell/settings.h"
 
+#include <cstdint>
 #include <filesystem>
-#include <limits>
 
 namespace vantorel::test {
 
@@ -142,7 +142,7 @@ TEST_F(HashWriter, TheCrcCoversTheWholeSlot) {
 TEST_F(HashWriter, SlotsThatDoNotExistFailInSilence) {
     EXPECT_EQ(romhashsaid(0, "out", 1), "");
     blankrom();
-    for (const int32_t slot : {-1, 1, std::numeric_limits<int32_t>::min()})
+    for (const int32_t slot : {-1, 1, INT32_MIN})
         EXPECT_EQ(romhashsaid(slot, "out", 1), "");
     EXPECT_FALSE(dir.exists("out"));
 }

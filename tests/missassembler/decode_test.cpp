@@ -189,7 +189,7 @@ TEST_F(DecodeTest, TheEarlierOfTwoLinesWins) {
 class TargetTest : public FreshTest {
 protected:
     // An instruction at image offset 0x10 of a ROM at `base`.
-    static std::string target(const std::string& instruction, const Bytes& bytes, uint32_t base = iMissBase) {
+    static std::string target(const std::string& instruction, const Bytes& bytes, uint32_t base = kBase) {
         Bytes image(16, 0xFF);
         image.insert(image.end(), bytes.begin(), bytes.end());
         return decoded(onetemplate(instruction), image, base, 16).text;

@@ -7,8 +7,6 @@
 namespace vantorel::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr uint32_t cFar = 0xF00000; // an address below the image
 
 uint32_t addressof(int32_t offset) { return cWalkAddress + static_cast<uint32_t>(offset); }
@@ -37,11 +35,6 @@ Lines fieldrecords(int32_t place, const std::string& flags) {
             line(10, "B 1 ;RT_FLAGS" + flags), line(11, "B 1 ;RT_VERSION"), line(12, "B 1 ;RT_TYPE"),
             line(13, "B 1 ;RT_PRI"),           line(14, "A 1 ;RT_NAME"),    line(18, "A 1 ;RT_IDSTRING"),
             line(22, "A 1 ;RT_INIT")};
-}
-
-Lines operator+(Lines lines, const Lines& more) {
-    lines.insert(lines.end(), more.begin(), more.end());
-    return lines;
 }
 
 class EntryPointsTest : public WalkTest {
@@ -122,8 +115,8 @@ TEST_F(EntryPointsTest, EveryTagOfTheComponent) {
 
 TEST_F(EntryPointsTest, MatchWordsThatAreNoTags) {
     setwords(bytes, 0, {0x4AFC});
-    setlongs(bytes, 2, {cWalkBase}); // counts from the image, not from the component
-    setwords(bytes, 21, {0x4AFC});   // at an odd place
+    setlongs(bytes, 2, {kBase});   // counts from the image, not from the component
+    setwords(bytes, 21, {0x4AFC}); // at an odd place
     setlongs(bytes, 23, {addressof(21)});
     setwords(bytes, 32, {0x4AFC});
     setlongs(bytes, 34, {addressof(34)}); // points beside itself

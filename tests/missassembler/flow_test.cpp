@@ -13,8 +13,6 @@
 namespace vantorel::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr uint32_t cNop = 0x4E71;
 constexpr uint32_t cRts = 0x4E75;
 constexpr uint32_t cJsrRegister = 0x4E90;

@@ -9,8 +9,6 @@
 namespace vantorel::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // A walk over a component of 256 bytes, image offsets 64 to 319, takes hints.
 class HintsTest : public WalkTest {
 protected:
@@ -278,8 +276,8 @@ TEST_F(HintsTest, JumpTablesThatOverlapEnd) {
     componentat(0, 1).iSize = 4096;
     std::string lines;
     for (uint32_t offset = 0; offset < 4096; offset += 4) {
-        setimage(static_cast<int32_t>(offset), {cWalkBase});
-        lines += "JUMPTABLE=" + std::to_string(cWalkBase + offset) + "\n";
+        setimage(static_cast<int32_t>(offset), {kBase});
+        lines += "JUMPTABLE=" + std::to_string(kBase + offset) + "\n";
     }
     romhints("[0x1234abcd]\n" + lines);
     Walk walk = startwalk(0, 1);

@@ -2,7 +2,7 @@
 
 #include "missassembler/walktest.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
@@ -65,7 +65,7 @@ TEST_F(MissLabelsTest, AreCountedWithoutBeingStoredAgain) {
 }
 
 TEST_F(MissLabelsTest, AreNeverCountedBelowZero) {
-    constexpr int32_t most = std::numeric_limits<int32_t>::max();
+    constexpr int32_t most = INT32_MAX;
     countmisslabels(int64_t{most} - 1);
     countmisslabels(int64_t{1} << 40);
     EXPECT_EQ(iMissLabelCnt, most);

@@ -55,12 +55,9 @@ inline std::string onetemplate(const std::string& instruction, const std::string
     return "[mnemonics]\n" + std::string(16, '?') + "=" + instruction + "\n" + sections;
 }
 
-/// Where a test's only ROM runs, unless it says otherwise.
-inline constexpr uint32_t iMissBase = 0xF80000;
-
 /// The instruction at `offset` of `image`, which becomes the only ROM, spelt as a "missassemble.ini" with the
 /// text `table` says. It must be the same with traces and without.
-inline Decoded decoded(std::string_view table, const Bytes& image, uint32_t base = iMissBase,
+inline Decoded decoded(std::string_view table, const Bytes& image, uint32_t base = kBase,
                        int32_t offset = 0) {
     silently([] { freeroms(); });
     const int32_t rom = romof(image, base);

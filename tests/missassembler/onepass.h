@@ -20,8 +20,6 @@
 
 namespace vantorel::test {
 
-inline constexpr uint32_t iGroundBase = 0xF80000;
-
 /// What the components and the structures lie at in the image.
 inline constexpr int32_t iTagAt = 0x20;
 inline constexpr int32_t iAutoInitAt = 0x40;
@@ -89,7 +87,7 @@ inline void puttag(const TagSpec& tag) {
 
 /// The pointers of an AUTOINIT table, CPU addresses.
 struct AutoInitSpec {
-    uint32_t vectors = iGroundBase + iVectorsAt;
+    uint32_t vectors = kBase + iVectorsAt;
     uint32_t initstruct = 0;
     uint32_t init = 0;
 };
@@ -104,12 +102,12 @@ inline void putautoinit(int32_t offset, const AutoInitSpec& table) {
 
 /// Gives component 1 a ROMTAG with AUTOINIT set and the table at `iAutoInitAt`.
 inline void putautotag(const AutoInitSpec& table) {
-    puttag({.init = iGroundBase + iAutoInitAt, .flags = iAutoInit});
+    puttag({.init = kBase + iAutoInitAt, .flags = iAutoInit});
     putautoinit(iAutoInitAt, table);
 }
 
 /// Slot 0, the only one, with `bytes` as component 1, and the table loaded.
-inline void makeground(const Bytes& bytes, uint32_t base = iGroundBase) {
+inline void makeground(const Bytes& bytes, uint32_t base = kBase) {
     installtable(cGroundTable);
     silently(freeroms);
     romof(Bytes(0x200), base);

@@ -17,7 +17,7 @@ int digit(char c) {
     return code < 'A' ? code - 48 : code < 'a' ? code - 55 : code - 87;
 }
 
-char at(const std::string& text, size_t place) { return place < text.size() ? text[place] : '\0'; }
+char characterat(const std::string& text, size_t place) { return place < text.size() ? text[place] : '\0'; }
 
 std::string registername(uint32_t word) {
     return ((word & 0x8000) != 0 ? "A" : "D") + std::to_string(word / 4096 % 8);
@@ -34,8 +34,8 @@ std::string controlname(uint32_t number) {
 std::string withoutzeros(const std::string& text) {
     std::string result;
     for (size_t i = 0; i < text.size(); ++i) {
-        const bool isdigit = at(text, i) == '0';
-        const char behind = at(text, i + 1);
+        const bool isdigit = characterat(text, i) == '0';
+        const char behind = characterat(text, i + 1);
         const bool isnumber = (behind >= '0' && behind <= '9') || (behind >= 'A' && behind <= 'F');
         const bool isleading =
             !result.empty() && std::string(" #$,").find(result.back()) != std::string::npos;
@@ -92,7 +92,7 @@ std::string PlainDecoder::lookup(const std::string& name) {
     if (section == table.sections.end()) return "???";
     const auto item = section->second.find(static_cast<int>(bits(name[1], name[2])));
     if (item == section->second.end()) return "???";
-    const char first = at(item->second, 0);
+    const char first = characterat(item->second, 0);
     if (name[0] == 's' && (first == 'B' || first == 'b' || first == 'W' || first == 'w')) size = 2;
     if (name[0] == 's' && (first == 'L' || first == 'l')) size = 4;
     if (first == '-') predecrement = true;
@@ -172,10 +172,10 @@ std::string PlainDecoder::operand(char what) {
 }
 
 size_t PlainDecoder::code(size_t place) {
-    const char a = at(text, place + 1);
-    const char b = at(text, place + 2);
+    const char a = characterat(text, place + 1);
+    const char b = characterat(text, place + 2);
     if (a == '(') {
-        result += lookup({b, at(text, place + 3), at(text, place + 4)});
+        result += lookup({b, characterat(text, place + 3), characterat(text, place + 4)});
         return place + 6;
     }
     if (a == '%')

@@ -7,12 +7,10 @@
 namespace vantorel::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // Image offsets in component 1, which is listed from 0xF80100.
 constexpr int32_t iTableAt = 0x140;
 constexpr int32_t iOwnVectorsAt = 0x160;
-constexpr uint32_t iOwnVectors = iGroundBase + iOwnVectorsAt;
+constexpr uint32_t iOwnVectors = kBase + iOwnVectorsAt;
 
 class StructureLabels : public FreshTest {
 protected:
@@ -45,18 +43,13 @@ protected:
 
     // A ROMTAG whose AUTOINIT table lies in the component at `iTableAt`.
     static void putowntable(const AutoInitSpec& table) {
-        puttag({.init = iGroundBase + iTableAt, .flags = iAutoInit});
+        puttag({.init = kBase + iTableAt, .flags = iAutoInit});
         putautoinit(iTableAt, table);
     }
 };
 
 const Lines cOwnTable = {"f80140 XF80140 AUTOINIT:\n dataSize:", "f80144 X vectors:",
                          "f80148 X InitStruct():", "f8014c X LibraryInit():"};
-
-Lines operator+(Lines first, const Lines& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
 
 TEST_F(StructureLabels, AComponentWithoutATagGetsNone) {
     puttag({.endskip = 0xF80110, .name = 0xF80112, .idstring = 0xF80114, .init = 0xF80116});
@@ -95,7 +88,7 @@ TEST_F(StructureLabels, OnlyBit7OfTheFlagsIsAutoInit) {
     EXPECT_EQ(add(), "");
     EXPECT_EQ(placed(), Lines({"f80116 lINIT:\n"}));
     freestoplabels();
-    puttag({.init = iGroundBase + iTableAt, .flags = 0xFF});
+    puttag({.init = kBase + iTableAt, .flags = 0xFF});
     putautoinit(iTableAt, {});
     EXPECT_EQ(add(), "AutoInit flag set but no autoinit call\n");
     EXPECT_EQ(placed(), cOwnTable);
@@ -180,7 +173,7 @@ TEST_F(StructureLabels, ALibraryInitOf0IsNotShownToTheBounds) {
     puttag({.endskip = 0xF80110,
             .name = 0xF80110,
             .idstring = 0xF80110,
-            .init = iGroundBase + iTableAt,
+            .init = kBase + iTableAt,
             .flags = iAutoInit});
     putautoinit(iTableAt, {.vectors = iOwnVectors, .initstruct = 0xF80102});
     static_cast<void>(add());
@@ -266,7 +259,7 @@ TEST_F(StructureLabels, AVectorTableOutsideTheImageIsTakenForLongs) {
 }
 
 TEST_F(StructureLabels, FunctionsCountWhereTheirTableIsBelowTheComponent) {
-    puttag({.init = iGroundBase + iAutoInitAt, .flags = iAutoInit});
+    puttag({.init = kBase + iAutoInitAt, .flags = iAutoInit});
     putautoinit(iAutoInitAt, {.initstruct = 0xF80050});
     putbytes(iVectorsAt, hexed("FFFF 00A8 0010 00B0 FFFF")); // at 0xF80058
     EXPECT_EQ(add(), "\nVECTORS[00f80058]\n\nFIRST VECTOR[ffff]\n");

@@ -4,7 +4,7 @@
 
 #include "missassembler/walktest.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 namespace {
@@ -204,7 +204,7 @@ void expectrefused(const TempDir& dir, int32_t rom, int32_t component, const std
 }
 
 TEST_F(WalkTest, RefusesWhatDoesNotExist) {
-    constexpr int32_t most = std::numeric_limits<int32_t>::max();
+    constexpr int32_t most = INT32_MAX;
     const std::string expected = "ERROR, ROM or component out of range\n";
     expectrefused(dir, -1, 0, expected); // no ROM at all
     expectrefused(dir, 0, 0, expected);

@@ -97,17 +97,24 @@ inline void setlongs(Bytes& bytes, int32_t offset, std::initializer_list<uint32_
     }
 }
 
-/// Where the component of a `WalkTest` lies.
-inline constexpr uint32_t cWalkBase = 0xF80000;
-inline constexpr int32_t cWalkStart = 64;
-inline constexpr uint32_t cWalkAddress = cWalkBase + cWalkStart;
+/// Records or printed lines, one after the other.
+using Lines = std::vector<std::string>;
 
-/// Slot 0, an image for `cWalkBase`: component 0 of 64 bytes, component 1 of `bytes`, component 2 of 64 bytes
+inline Lines operator+(Lines lines, const Lines& more) {
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
+
+/// Where the component of a `WalkTest` lies.
+inline constexpr int32_t cWalkStart = 64;
+inline constexpr uint32_t cWalkAddress = kBase + cWalkStart;
+
+/// Slot 0, an image for `kBase`: component 0 of 64 bytes, component 1 of `bytes`, component 2 of 64 bytes
 /// again. What surrounds component 1 is 0xEE.
 inline void makecomponent(const Bytes& bytes) {
     const auto size = static_cast<int32_t>(bytes.size());
     const int32_t end = cWalkStart + size;
-    const int32_t rom = slotwith(end + 64, {{0, cWalkStart}, {cWalkStart, size}, {end, 64}}, cWalkBase);
+    const int32_t rom = slotwith(end + 64, {{0, cWalkStart}, {cWalkStart, size}, {end, 64}}, kBase);
     setbytes(slotat(rom).pcROM, cWalkStart, bytes);
     slotat(rom).iCRC32 = 0x1234ABCD;
     componentat(rom, 1).pcLibString = "test 1.0 (1.1.24)";
@@ -119,8 +126,8 @@ inline std::string hexrow(const std::string& bytes, const std::string& character
 }
 
 /// The records of the walk, each as "position type repeat text"; "-" for no type.
-inline std::vector<std::string> records() {
-    std::vector<std::string> lines;
+inline Lines records() {
+    Lines lines;
     for (const MissLabel& record : psLabels) {
         const char type = record.cType == MissType::cNone ? '-' : record.cType;
         lines.push_back(std::to_string(record.iPosition) + " " + type + " " + std::to_string(record.iRepeat) +

@@ -6,8 +6,8 @@
 #include "output/rtbreader.h"
 #include "shell/settings.h"
 
+#include <cstdint>
 #include <filesystem>
-#include <limits>
 
 namespace vantorel::test {
 
@@ -18,7 +18,6 @@ using LongPlaces = std::vector<uint32_t>;
 
 constexpr int32_t kSplit = 262144;
 constexpr int32_t kSplitPointer = 262148;
-constexpr uint32_t kBase = 0xF80000;
 
 class RtbTest : public RomTest {
 protected:
@@ -218,7 +217,7 @@ TEST_F(RtbTest, ASlotThatDoesNotExistIsSilentlyRefused) {
     for (const int32_t rom : {0, -1, 20})
         EXPECT_EQ(failure(rom, "rom", 10), "");
     const int32_t rom = romwith({4});
-    for (const int32_t none : {rom + 1, -1, std::numeric_limits<int32_t>::max()})
+    for (const int32_t none : {rom + 1, -1, INT32_MAX})
         EXPECT_EQ(failure(none, "rom", 10), "");
     EXPECT_FALSE(dir.exists("rom.RTB"));
 }
@@ -292,7 +291,7 @@ TEST_F(RtbTest, AFullDiskIsToldOf) {
 
 TEST_F(RtbTest, RelocsOutsideTheirComponentAreLeftOut) {
     const int32_t rom = slotwith(128, {{0, 32}, {32, 32}}, kBase);
-    componentat(rom, 0).ipRelocs = {-4, 4, 28, 29, 32, std::numeric_limits<int32_t>::max()};
+    componentat(rom, 0).ipRelocs = {-4, 4, 28, 29, 32, INT32_MAX};
     componentat(rom, 1).ipRelocs = {33};
     putatend(rom, 28, kBase + 32);
     EXPECT_EQ(saved(rom).places, (Places{4, 28, 100}));

@@ -6,8 +6,6 @@
 namespace vantorel::test {
 namespace {
 
-constexpr uint32_t kBase = 0xF80000;
-
 class IdentifyTest : public RomTest {
 protected:
     // Analyses the image in a new slot; what it said at `level`.

@@ -6,8 +6,6 @@
 namespace vantorel::test {
 namespace {
 
-constexpr uint32_t kBase = 0xF80000;
-
 // The fields of a ROMTAG as they stand in an image.
 struct TagFields {
     uint32_t self = 0;

@@ -27,6 +27,9 @@ namespace vantorel::test {
 
 using Action = std::function<void()>;
 
+/// Where a test's ROM runs, unless it says otherwise.
+inline constexpr uint32_t kBase = 0xF80000;
+
 /// A text on the console, and the highest verbosity at which it is not there yet.
 struct Shown {
     int32_t threshold;

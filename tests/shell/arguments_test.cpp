@@ -6,7 +6,7 @@
 #include "shell/tokens.h"
 #include "support/capture.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 
@@ -80,7 +80,7 @@ TEST_F(Arguments, AMissingOneIsComplainedOf) {
 
 TEST_F(Arguments, ANumberMayBeNegativeAbsentOrNone) {
     give("command -2147483648");
-    EXPECT_EQ(silently(numberargument), std::numeric_limits<int32_t>::min());
+    EXPECT_EQ(silently(numberargument), INT32_MIN);
     give("command");
     EXPECT_EQ(silently(numberargument), 0);
     give("command word");

@@ -22,8 +22,6 @@ namespace vantorel::test {
 
 namespace {
 
-constexpr const char* cUnknown = "ERROR, I've no idea what you mean, type help for help\n";
-
 class Script : public ShellTest {};
 class EchoCommand : public ShellTest {};
 class RomCommand : public ShellTest {};

@@ -15,7 +15,6 @@ namespace {
 
 const std::string cPrompt = "VanCLI> ";
 const std::string cTooLong = "ERROR, command buffer too small, ignoring input\n";
-const std::string cUnknown = "ERROR, I've no idea what you mean, type help for help\n";
 
 // A command line of `length` characters that prints what `echoed` gives.
 std::string echoline(size_t length) { return "echo " + std::string(length - 5, 'x'); }

@@ -4,7 +4,7 @@
 #include "support/capture.h"
 #include "support/fresh.h"
 
-#include <limits>
+#include <cstdint>
 
 namespace vantorel::test {
 
@@ -50,7 +50,7 @@ TEST(Decimal, ReadsLeadingDigitsAfterBlanksAndASign) {
 
 TEST(DecimalInRange, TheEndsOfTheRangeFit) {
     EXPECT_EQ(decimalinrange("2147483647"), 2147483647);
-    EXPECT_EQ(decimalinrange("-2147483648"), std::numeric_limits<int32_t>::min());
+    EXPECT_EQ(decimalinrange("-2147483648"), INT32_MIN);
     EXPECT_EQ(decimalinrange("word"), 0);
 }
 
@@ -111,8 +111,8 @@ TEST(Hex2SignedLong, TheNumberIsAsWideAsItsDigits) {
     EXPECT_EQ(Hex2iINT32("8"), -8);
     EXPECT_EQ(Hex2iINT32("7"), 7);
     EXPECT_EQ(Hex2iINT32("ff"), -1);
-    EXPECT_EQ(Hex2iINT32("80000000"), std::numeric_limits<int32_t>::min());
-    EXPECT_EQ(Hex2iINT32("7fffffff"), std::numeric_limits<int32_t>::max());
+    EXPECT_EQ(Hex2iINT32("80000000"), INT32_MIN);
+    EXPECT_EQ(Hex2iINT32("7fffffff"), INT32_MAX);
     EXPECT_EQ(Hex2iINT32(""), 0);
 }
 

@@ -12,6 +12,9 @@ namespace vantorel::test {
 /// What every decimal number that fits no 32-bit type stands for in these tests.
 inline constexpr const char* cTooLarge = "99999999999";
 
+/// What is printed for a command that does not exist.
+inline constexpr const char* cUnknown = "ERROR, I've no idea what you mean, type help for help\n";
+
 /// Runs a command line; what it prints is lost.
 void type(const std::string& line);
 

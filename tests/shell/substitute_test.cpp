@@ -9,7 +9,7 @@
 #include "support/checksums.h"
 #include "support/rombuilder.h"
 
-#include <limits>
+#include <cstdint>
 
 // The CRCs of audited files were computed with Python's zlib.crc32.
 
@@ -17,7 +17,7 @@ namespace vantorel::test {
 
 namespace {
 
-constexpr const char* cNoRom = "No custom aliases found, no current ROM\n";
+constexpr const char* cNothingKnown = "No custom aliases found, no current ROM\n";
 
 class Substitute : public ShellTest {
 protected:
@@ -82,7 +82,7 @@ TEST_F(Substitute, BehindTwoDollarSignsNothingIsAReference) {
 }
 
 TEST_F(Substitute, ADollarSignAtTheEndDisappears) {
-    EXPECT_EQ(expandedsaying(cNoRom, "echo $"), "echo ");
+    EXPECT_EQ(expandedsaying(cNothingKnown, "echo $"), "echo ");
     kick();
     EXPECT_EQ(expanded("echo $"), "echo ");
 }
@@ -109,7 +109,7 @@ TEST_F(Substitute, TheAliasMadeFirstWins) {
 
 TEST_F(Substitute, AliasesHeedCase) {
     alias("Name", "value");
-    EXPECT_EQ(expandedsaying(cNoRom, "$name"), "name");
+    EXPECT_EQ(expandedsaying(cNothingKnown, "$name"), "name");
 }
 
 TEST_F(Substitute, AValueIsNotExpandedAgain) {
@@ -195,7 +195,7 @@ TEST_F(Substitute, AFileReferenceThatFindsNothingDisappearsWhole) {
 
 TEST_F(Substitute, OnlyEightTrueHexadecimalDigitsMakeAFileReference) {
     for (const char* reference : {"0x1234567", "0x1234567g", "0X12345678", "0x 2345678", "0x"})
-        EXPECT_EQ(expandedsaying(cNoRom, std::string("$") + reference), reference);
+        EXPECT_EQ(expandedsaying(cNothingKnown, std::string("$") + reference), reference);
 }
 
 TEST_F(Substitute, AFileThatCannotBeReadIsReportedAndPassedOver) {
@@ -222,19 +222,19 @@ TEST_F(Substitute, TheSearchForAFileIsTraced) {
 // Built-in names
 
 TEST_F(Substitute, WithoutARomABuiltInNameLosesItsDollarSign) {
-    EXPECT_EQ(expandedsaying(cNoRom, "echo $ROMBASE"), "echo ROMBASE");
+    EXPECT_EQ(expandedsaying(cNothingKnown, "echo $ROMBASE"), "echo ROMBASE");
     EXPECT_EQ(traced(0, "$ROMBASE"), "");
 }
 
 TEST_F(Substitute, EveryReferenceWithoutARomIsReported) {
-    EXPECT_EQ(expandedsaying(std::string(cNoRom) + cNoRom, "$a $b"), "a b");
+    EXPECT_EQ(expandedsaying(std::string(cNothingKnown) + cNothingKnown, "$a $b"), "a b");
 }
 
 TEST_F(Substitute, ACurrentNumberThatNamesNoSlotIsNoRom) {
     kick();
     for (const int32_t number : {1, 20, 2147483647, -1, -2}) {
         iCurrentROM = number;
-        EXPECT_EQ(expandedsaying(cNoRom, "$ROMBASE"), "ROMBASE") << number;
+        EXPECT_EQ(expandedsaying(cNothingKnown, "$ROMBASE"), "ROMBASE") << number;
     }
 }
 
@@ -357,7 +357,7 @@ TEST_F(Substitute, AComponentOfAnotherRomIsNone) {
 }
 
 TEST_F(Substitute, AReferenceLongerThanItsNameComesWhole) {
-    const int32_t least = std::numeric_limits<int32_t>::min();
+    const int32_t least = INT32_MIN;
     addcomponent(kick(), "x", least, least);
     std::string line;
     std::string wanted;

@@ -37,8 +37,6 @@ constexpr std::array<uint16_t, 12> iOpcodes = {
 };
 
 constexpr int32_t even(int32_t value) { return (value + 1) & ~1; }
-constexpr int32_t wholelong(int32_t value) { return (value + 3) & ~3; }
-
 int32_t textsize(std::string_view text) { return even(static_cast<int32_t>(text.size()) + 1); }
 
 int32_t vectorsize(const ModuleSpec& spec) {

@@ -11,8 +11,6 @@ namespace vantorel::test {
 
 namespace {
 
-constexpr int32_t wholelong(int32_t value) { return (value + 3) & ~3; }
-
 void put(Bytes& image, int32_t offset, uint32_t value) {
     if (!putlong(image, offset, value))
         throw std::logic_error("outside the image: " + std::to_string(offset));

@@ -20,6 +20,9 @@
 
 namespace vantorel::test {
 
+/// `value` bytes, and those that are missing to the next whole long.
+constexpr int32_t wholelong(int32_t value) { return (value + 3) & ~3; }
+
 /// How a module's RT_INIT is laid out.
 enum class Init {
     Manual, ///< RT_INIT is the init function

@@ -8,14 +8,14 @@
 namespace vantorel::test {
 namespace {
 
-BuiltRom smallrom() {
+BuiltRom hashedrom() {
     RomBuilder rom(65536, 0xFC0000);
     rom.module({.name = "one.library", .idstring = "one 1.0 (1/1/93)\r\n", .size = 512, .calls = 0});
     return rom.data({.name = "font", .size = 64}).build();
 }
 
 TEST(HashBuilder, WritesARomHashFile) {
-    const BuiltRom rom = smallrom();
+    const BuiltRom rom = hashedrom();
     const std::string one = rom.module("one.library").hash();
     const std::string font = rom.module("font").hash();
     const std::string sum = hex32(iUINT32(rom.image.data() + 65536 - 24));
@@ -37,7 +37,7 @@ TEST(HashBuilder, WritesARomHashFile) {
 }
 
 TEST(HashBuilder, WritesAComponentHashFile) {
-    EXPECT_EQ(componenthash(smallrom().module("one.library")),
+    EXPECT_EQ(componenthash(hashedrom().module("one.library")),
               "[Description]\nTitle=one 1.0 (1/1/93)\nText=one.library\nSize=512\nROMTAG=4\nRELOCS=5\n"
               "FileType=Loadable Library\n\n[Display]\nColour=0x555555\nIcon=153\n\n[RELOC32]\n"
               "RELOC=6         \nRELOC=10        \nRELOC=18        \nRELOC=22        \nRELOC=26        \n");
@@ -45,7 +45,7 @@ TEST(HashBuilder, WritesAComponentHashFile) {
 
 TEST(HashBuilder, NamesFilesAfterTheirCrcs) {
     TempDir dir;
-    const BuiltRom rom = smallrom();
+    const BuiltRom rom = hashedrom();
     const HashBuilder hashes(dir.file("a/b"));
     EXPECT_EQ(hashes.add(rom), hex32(rom.crc));
     const BuiltModule& module = rom.module("one.library");
