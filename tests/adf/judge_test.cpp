@@ -8,20 +8,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <set>
 
 namespace vantorel::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-Bytes contentsof(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 /// Paths below `folder` in the form of the file table.
 std::set<std::string> pathsbelow(const fs::path& folder) {

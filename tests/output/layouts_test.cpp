@@ -65,8 +65,8 @@ protected:
         SCOPED_TRACE("type " + std::to_string(order.type) + " byteswap " + std::to_string(order.byteswap) +
                      " 512 " + std::to_string(order.chips512));
         freshstate();
-        for (const auto& [name, bytes] : filesof(folder))
-            std::filesystem::remove(folder.file(name));
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            std::filesystem::remove(entry);
         silently([&] { profileof(order.type, images); });
         const Files expected = burnt(images, order, "rom");
         EXPECT_EQ(save(order.byteswap, order.chips512 ? 512 : 0, 0), expected.empty() ? 1 : 0);

@@ -8,9 +8,6 @@
 #include "rom/split.h"
 #include "support/realfiles.h"
 
-#include <fstream>
-#include <iterator>
-
 namespace vantorel::test {
 namespace {
 
@@ -26,11 +23,6 @@ constexpr std::array<RealRom, 2> kRoms = {{
     {"aros-20130502.rom", 0x1277da62, 0x707e5fe9},
     {"aros-20130502-ext.rom", 0x527f8834, 0x429ed871},
 }};
-
-Bytes contentsof(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 // Counts the tags with a scan of its own: each is a match word whose pointer is its own address.
 int32_t tagsof(const Bytes& image) {

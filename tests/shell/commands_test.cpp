@@ -14,8 +14,6 @@
 #include "support/rombuilder.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace vantorel::test {
@@ -439,8 +437,8 @@ TEST(CommandTable, KeywordsAreInLowerCaseAndStandOnce) {
 
 /// A document of the project; a table's "\\|" reads as the "|" that it stands for.
 std::string document(const std::string& name) {
-    std::ifstream file(VANTOREL_ROOT "/" + name);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
+    const Bytes contents = contentsof(VANTOREL_ROOT "/" + name);
+    std::string text(contents.begin(), contents.end());
     for (size_t place = text.find("\\|"); place != std::string::npos; place = text.find("\\|", place))
         text.erase(place, 1);
     return text;

@@ -5,6 +5,7 @@
 #include "support/dumps.h"
 #include "support/fixture_rom.h"
 #include "support/hashbuilder.h"
+#include "support/tempdir.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@
 #include <cstdio>
 #include <exception>
 #include <fstream>
-#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,12 +23,6 @@ using namespace vantorel::test;
 namespace {
 
 using Arguments = std::vector<std::string>;
-
-Bytes read(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) throw std::runtime_error("cannot read " + path);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 void write(const std::string& path, View bytes) {
     std::ofstream stream(path, std::ios::binary | std::ios::trunc);
@@ -93,7 +87,7 @@ void listing(Arguments arguments) {
 
 void exchange(Arguments arguments) {
     requirecount(arguments, 2, 2);
-    write(arguments[1], byteswapped(read(arguments[0])));
+    write(arguments[1], byteswapped(contentsof(arguments[0])));
 }
 
 void split(Arguments arguments) {
@@ -103,7 +97,7 @@ void split(Arguments arguments) {
     if (order != "lohi" && order != "hilo") throw UsageError("--order is lohi or hilo");
     const WordOrder plain = order == "lohi" ? WordOrder::LoHi : WordOrder::HiLo;
     const WordOrder swapped = order == "lohi" ? WordOrder::LoHiSwapped : WordOrder::HiLoSwapped;
-    const ChipPair pair = splitpair(read(arguments[0]), isswapped ? swapped : plain);
+    const ChipPair pair = splitpair(contentsof(arguments[0]), isswapped ? swapped : plain);
     write(arguments[1], pair.first);
     write(arguments[2], pair.second);
 }
@@ -111,19 +105,19 @@ void split(Arguments arguments) {
 void overburn(Arguments arguments) {
     requirecount(arguments, 2, 3);
     const int times = arguments.size() > 2 ? fixturenumber(arguments[2]) : 2;
-    write(arguments[1], overburnt(read(arguments[0]), times));
+    write(arguments[1], overburnt(contentsof(arguments[0]), times));
 }
 
 void cd32(Arguments arguments) {
     requirecount(arguments, 2, 2);
-    write(arguments[1], cd32interleaved(read(arguments[0])));
+    write(arguments[1], cd32interleaved(contentsof(arguments[0])));
 }
 
 void join(Arguments arguments) {
     requirecount(arguments, 2, SIZE_MAX);
     Bytes all;
     for (size_t i = 1; i < arguments.size(); ++i)
-        all = joined(all, read(arguments[i]));
+        all = joined(all, contentsof(arguments[i]));
     write(arguments[0], all);
 }
 
@@ -145,7 +139,7 @@ void describe(Arguments arguments) {
     requirecount(arguments, 2, SIZE_MAX);
     for (size_t i = 2; i < arguments.size(); ++i)
         text.ranges.push_back(range(arguments[i]));
-    HashBuilder(arguments[1]).container(read(arguments[0]), text);
+    HashBuilder(arguments[1]).container(contentsof(arguments[0]), text);
 }
 
 void makecontainer(Arguments arguments) {
@@ -157,7 +151,7 @@ void makecontainer(Arguments arguments) {
         const size_t equals = arguments[i].find('=');
         if (equals == std::string::npos) throw UsageError(arguments[i] + " is not OFFSET=FILE");
         parts.push_back(
-            {fixturenumber(arguments[i].substr(0, equals)), read(arguments[i].substr(equals + 1))});
+            {fixturenumber(arguments[i].substr(0, equals)), contentsof(arguments[i].substr(equals + 1))});
     }
     write(arguments[0], container(parts, size, static_cast<uint8_t>(fill)));
 }
@@ -184,7 +178,7 @@ void hex(Arguments arguments) {
 
 void patch(Arguments arguments) {
     requirecount(arguments, 3, SIZE_MAX);
-    Bytes file = read(arguments[0]);
+    Bytes file = contentsof(arguments[0]);
     const int32_t offset = fixturenumber(arguments[1]);
     const Bytes bytes = hexbytes(std::span(arguments).subspan(2));
     if (!isinside(file, offset, static_cast<int64_t>(bytes.size()))) throw UsageError("outside the file");
@@ -201,7 +195,7 @@ void fill(Arguments arguments) {
 
 void crc(Arguments arguments) {
     requirecount(arguments, 1, 1);
-    printf("%s\n", hex32(crc32of(read(arguments[0]))).c_str());
+    printf("%s\n", hex32(crc32of(contentsof(arguments[0]))).c_str());
 }
 
 /// "PATH=HOSTFILE" adds a file, "PATH/" a directory, "PATH:OFFSET=LONG" changes a long of PATH's header
@@ -217,7 +211,7 @@ void addtodisk(DiskBuilder& disk, const std::string& item) {
     const std::string value = item.substr(equals + 1);
     const size_t colon = name.find(':');
     if (colon == std::string::npos) {
-        disk.addfile(name, read(value));
+        disk.addfile(name, contentsof(value));
         return;
     }
     disk.poke(disk.blockof(name.substr(0, colon)), fixturenumber(name.substr(colon + 1)),

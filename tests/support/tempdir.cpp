@@ -11,6 +11,14 @@ namespace fs = std::filesystem;
 
 namespace vantorel::test {
 
+Bytes contentsof(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) throw std::system_error(ENOENT, std::generic_category(), path);
+    Bytes contents(fs::file_size(path));
+    stream.read(reinterpret_cast<char*>(contents.data()), std::ssize(contents));
+    return contents;
+}
+
 TempDir::TempDir() {
     std::string pattern = (fs::temp_directory_path() / "vantorel-test-XXXXXX").string();
     if (!mkdtemp(pattern.data())) throw std::system_error(errno, std::generic_category(), "mkdtemp");
@@ -45,15 +53,11 @@ std::string TempDir::folder(const std::string& name) const {
 }
 
 std::string TempDir::text(const std::string& name) const {
-    std::ifstream stream(file(name), std::ios::binary);
-    if (!stream) throw std::system_error(ENOENT, std::generic_category(), file(name));
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-Bytes TempDir::bytes(const std::string& name) const {
-    const std::string contents = text(name);
+    const Bytes contents = bytes(name);
     return {contents.begin(), contents.end()};
 }
+
+Bytes TempDir::bytes(const std::string& name) const { return contentsof(file(name)); }
 
 bool TempDir::exists(const std::string& name) const { return fs::exists(fs::symlink_status(file(name))); }
 

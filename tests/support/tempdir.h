@@ -8,6 +8,9 @@
 
 namespace vantorel::test {
 
+/// Every byte of the file at `path`; throws std::system_error when it cannot be read.
+[[nodiscard]] Bytes contentsof(const std::string& path);
+
 /// A fresh, empty folder below the host's temporary folder; its whole tree goes with the object.
 /// Names given to it are relative to the folder and may hold "/". Every failure throws std::system_error (or
 /// its child std::filesystem::filesystem_error).
