@@ -1,6 +1,7 @@
 #!/bin/sh
-# Builds Vantorel and runs every test, with g++ in release and with clang under the sanitizers, and each fuzz target
-# for a moment. Installs what is missing first. Ends with a count of the tests passed, failed and skipped.
+# Builds Vantorel and runs every test, with g++ in release and with clang under the sanitizers, each fuzz target for a
+# moment, and what the documents tell to type into a shell. Installs what is missing first. Ends with a count of the
+# tests passed, failed and skipped.
 set -eu
 cd "$(dirname "$0")"
 
@@ -12,7 +13,7 @@ begin() {
 trap '[ $? -eq 0 ] || [ "$step" = packages ] || echo "test.sh: failed at: $step" >&2' EXIT
 
 tools/need.sh cmake ninja-build g++ clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev python3 unadf \
-    binutils-m68k-linux-gnu unzip dpkg-dev
+    binutils-m68k-linux-gnu unzip dpkg-dev rlwrap libbenchmark-dev zlib1g-dev libcapstone-dev
 
 begin "includes point downwards only"
 tools/check-includes.sh
@@ -43,6 +44,9 @@ run asan
 
 begin "fuzz targets, a moment each"
 if tools/fuzz.sh 5; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
+
+begin "commands in documents"
+if tests/docs/check_shell.py --running ./test.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
 
 step=tests
 echo "$passed passed, $failed failed, $skipped skipped"

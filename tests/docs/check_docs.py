@@ -3,8 +3,8 @@
 
     check_docs.py --program PATH --fixture PATH [DOCUMENT...]
 
-Without documents: docs/guide.md, and whatever other document of the project holds sessions. README.md beside this
-file tells how a session is written. Exit status: 0 when all is as shown, 1 when it is not, 2 for wrong arguments.
+Without documents: docs/guide.md, and whatever other document of the project holds commands. README.md beside this
+file tells how they are written. Exit status: 0 when all is as shown, 1 when it is not, 2 for wrong arguments.
 """
 
 import argparse
@@ -18,12 +18,10 @@ import sys
 import tempfile
 
 import documents
-from documents import NUMBERED
+from documents import NUMBERED, ROOT
 from session import Session, SessionError
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
 GUIDE = ROOT / "docs" / "guide.md"
-OTHERS = ["README.md", "docs/*.md", "examples/README.md", "Vantorel Hashes/*.md"]
 TIME_LIMIT = 60  # seconds, for each shell block
 UNKNOWN = re.compile(r"^ERROR, I.ve no idea what you mean", re.MULTILINE)
 
@@ -81,6 +79,7 @@ class Place:
         for name in ("examples", "Vantorel Hashes"):
             shutil.copytree(ROOT / name, self.root / name)
         self.program.symlink_to(program)
+        self.environment = dict(os.environ, LC_ALL="C", TZ="UTC", PATH=f"{tests}:{os.environ['PATH']}")
         (tests / "vantorel-fixture").symlink_to(fixture)
         # Stands for a ROM that a user has.
         subprocess.run([tests / "vantorel-fixture", "standard", self.root / "kick.rom"], check=True)
@@ -92,7 +91,7 @@ class Place:
         script = f"{commands}\npwd >'{note}'\n"
         done = subprocess.run(["sh", "-eu", "-c", script], cwd=self.cwd, stdin=subprocess.DEVNULL, check=False,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=TIME_LIMIT,
-                              env=dict(os.environ, LC_ALL="C", TZ="UTC"))
+                              env=self.environment)
         if note.exists():
             self.cwd = pathlib.Path(note.read_text().rstrip("\n"))
             note.unlink()
@@ -171,8 +170,8 @@ def check(path, program, fixture):
         found = documents.sections(path.read_text(encoding="utf-8"))
     except (documents.MarkupError, OSError) as error:
         return 0, [f"{name}: {error}"]
-    if not any(section.holds_session() for section in found):
-        return 0, [f"{name}: there is no session in it"]
+    if not holds_commands(found):
+        return 0, [f"{name}: there is no command in it"]
     commands = 0
     for order, ordered in orders(found):
         with tempfile.TemporaryDirectory(prefix="vantorel-docs-", ignore_cleanup_errors=True) as folder:
@@ -185,17 +184,16 @@ def check(path, program, fixture):
     return commands, []
 
 
-def holds_session(path):
-    """Whether a document is one to run. One that cannot be read is, so that it fails there."""
+def holds_commands(sections):
+    return any(section.blocks for section in sections)
+
+
+def isrun(path):
+    """Whether a document is one to run. One that cannot be read is, so that it fails there; so is the guide."""
     try:
-        return any(section.holds_session() for section in documents.sections(path.read_text(encoding="utf-8")))
+        return path == GUIDE or holds_commands(documents.sections(path.read_text(encoding="utf-8")))
     except documents.MarkupError:
         return True
-
-
-def default_documents():
-    others = sorted({path for pattern in OTHERS for path in ROOT.glob(pattern)} - {GUIDE})
-    return [GUIDE] + [path for path in others if holds_session(path)]
 
 
 def arguments():
@@ -209,7 +207,7 @@ def arguments():
 def main():
     options = arguments()
     isbad = False
-    for path in options.documents or default_documents():
+    for path in options.documents or filter(isrun, documents.documents()):
         commands, problems = check(path.resolve(), options.program.resolve(), options.fixture.resolve())
         print(f"{'FAILED' if problems else 'passed'}: {path} ({commands} commands)")
         if problems:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Proves that check_docs.py fails what it must fail, with a small program in place of Vantorel."""
+"""Proves that check_docs.py and check_shell.py fail what they must fail, with a small program in place of Vantorel."""
 
 import pathlib
 import subprocess
@@ -8,6 +8,7 @@ import tempfile
 import unittest
 
 CHECKER = pathlib.Path(__file__).resolve().parent / "check_docs.py"
+SHELL_CHECKER = CHECKER.with_name("check_shell.py")
 
 # Answers like the program: "say" prints its words, "count" how many commands the session has had, "hide" nothing.
 PROGRAM = r"""#!/usr/bin/env python3
@@ -42,9 +43,12 @@ class CheckerTest(unittest.TestCase):
         self.program.chmod(0o755)
 
     def assert_run(self, status, text, document):
+        self.assert_checker(status, text, document, CHECKER, "--program", self.program, "--fixture", self.program)
+
+    def assert_checker(self, status, text, document, *checker):
         path = self.root / "document.md"
         path.write_text(document)
-        command = [sys.executable, "-B", CHECKER, "--program", self.program, "--fixture", self.program, path]
+        command = [sys.executable, "-B", *checker, path]
         done = subprocess.run(command, capture_output=True, text=True, check=False)
         self.assertEqual(done.returncode, status, done.stdout + done.stderr)
         self.assertIn(text, done.stdout)
@@ -106,8 +110,26 @@ class CheckerTest(unittest.TestCase):
         self.assert_fails("last section first", first + second)
         self.assert_passes("## Ground\n" + console("$ touch made") + second + second.replace("2", "3"))
 
-    def test_document_without_a_session_fails(self):
-        self.assert_fails("no session", "Text\n\n    $ indented\n")
+    def test_document_without_a_command_fails(self):
+        self.assert_fails("no command", "Text\n\n    indented\n")
+
+    def test_commands_outside_blocks_fail(self):
+        for command in ("$ true", "./test.sh", "cmake --preset release", "vantorel < script", "apt install g++"):
+            self.assert_fails("outside a fenced block", console("VanCLI> hide") + f"Text\n\n    {command}\n")
+
+    def test_commands_in_the_clone_are_run_there(self):
+        def shell(*lines):
+            return "\n".join(["```sh clone", *lines, "```", ""])
+
+        def assert_shell(status, text, document, *options):
+            self.assert_checker(status, text, document, SHELL_CHECKER, *options)
+
+        assert_shell(0, "passed", "## Title\n" + shell("test -e tests/docs/check_docs_test.py # a comment"))
+        assert_shell(1, "status 1", shell("true") + shell("false", "true"))
+        assert_shell(1, "unheard-of", shell("apt install unheard-of"))
+        assert_shell(0, "passed", shell("false # as it was started", "true"), "--running", "false")
+        assert_shell(1, "status 1", shell("false more"), "--running", "false")
+        self.assert_passes(console("VanCLI> hide") + shell("false"))
 
     def test_markup_that_cannot_be_read_fails(self):
         self.assert_fails("never closed", "```console\nVanCLI> hide\n")

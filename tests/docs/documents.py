@@ -1,6 +1,10 @@
-"""Reads the sessions that a Markdown document holds in its fenced blocks; README.md beside this file has the markup."""
+"""Reads what Markdown documents hold in their fenced blocks; README.md beside this file has the markup."""
 
+import pathlib
 import re
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PATTERNS = ["*.md", "docs/*.md", "bench/*.md", "examples/*.md", "tests/*/*.md", "Vantorel Hashes/*.md"]
 
 PROMPT = "VanCLI> "
 SHELL = "$ "
@@ -8,6 +12,8 @@ LEFT_OUT = "..."
 # Sections whose titles begin with a number are the jobs; each needs the ones without, and no other.
 NUMBERED = re.compile(r"\d+\. ")
 FENCE = re.compile(r"^(`{3,})\s*(.*?)\s*$")
+# What a line begins with that tells somebody to type it into a shell.
+TYPED = re.compile(r"(\./|out/|tools/|tests/|examples/|\$ )|(apt|apt-get|cmake|cpack|ctest|git|sh|cd|vantorel\S*|rlwrap)\b")
 
 
 class MarkupError(Exception):
@@ -35,7 +41,8 @@ class Section:
 
     def __init__(self, title, line):
         self.title, self.line = title, line
-        self.blocks = []
+        self.blocks = []  # to be run in a folder of their own
+        self.inclone = []  # to be run in the clone itself
 
     def holds_session(self):
         return any(step.kind == "prompt" for block in self.blocks for step in block.steps)
@@ -83,6 +90,8 @@ def fenced(lines):
             index = end
         elif lines[index].startswith("## "):
             yield index + 1, lines[index][3:].strip(), [], []
+        elif lines[index].startswith("    ") and TYPED.match(lines[index][4:]):
+            raise MarkupError(f"line {index + 1}: a command outside a fenced block: {lines[index].strip()}")
         index += 1
 
 
@@ -94,6 +103,12 @@ def sections(text):
             found.append(Section(heading, number))
         elif words[:1] == ["console"]:
             found[-1].blocks.append(console_block(contents, number + 1, words[1:]))
-        elif words == ["sh"]:
-            found[-1].blocks.append(shell_block(contents, number + 1))
+        elif words in (["sh"], ["sh", "clone"]):
+            blocks = found[-1].inclone if words[1:] else found[-1].blocks
+            blocks.append(shell_block(contents, number + 1))
     return found
+
+
+def documents():
+    """Every document of the project."""
+    return sorted(path for pattern in PATTERNS for path in ROOT.glob(pattern))

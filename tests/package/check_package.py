@@ -3,12 +3,16 @@
 
 import argparse
 import gzip
+import os
 import pathlib
+import pty
 import re
+import select
 import shutil
 import subprocess
 import sys
 import tempfile
+import termios
 import unittest
 
 
@@ -44,13 +48,56 @@ class Package(unittest.TestCase):
         needs = re.search("^Depends: (.*)$", self.control, re.M)[1]
         self.assertEqual([name.split()[0] for name in needs.split(",")], ["libc6"])
 
+    def manual(self):
+        path = self.usr / "share" / "man" / "man1" / "vantorel.1"
+        return path.read_text() if path.exists() else gzip.open(f"{path}.gz", "rt").read()
+
+    def shell(self, command):
+        path = f"{self.usr / 'bin'}:{os.environ['PATH']}"
+        done = subprocess.run(["sh", "-euc", command], cwd=self.folder, env=dict(os.environ, PATH=path), timeout=60,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+        self.assertEqual(done.returncode, 0, done.stdout)
+        return done.stdout
+
     def test_the_manual_and_the_documents_are_there(self):
-        manual = self.usr / "share" / "man" / "man1" / "vantorel.1"
-        text = manual.read_text() if manual.exists() else gzip.open(f"{manual}.gz", "rt").read()
+        text = self.manual()
         self.assertIn(".TH VANTOREL 1", text)
         self.assertNotIn("@", text.replace("@localhost", ""))
         documents = {path.name for path in (self.usr / "share" / "doc" / "vantorel").iterdir()}
         self.assertLessEqual({"README.md", "guide.md", "commands.md", "formats.md", "architecture.md"}, documents)
+
+    def test_the_commands_of_the_manual_work(self):
+        fixture = self.build / "tests" / "vantorel-fixture"
+        subprocess.run([fixture, "standard", self.folder / "dump.bin"], check=True)
+        example = re.search(r"^\.nf\n(.*?)^\.fi$", self.manual(), re.M | re.S)[1].replace("\\\\", "\\")
+        self.assertIn("loadrom", example)
+        self.assertIn("exec 40.10 (15.7.93)", self.shell(example))
+        (self.folder / "script").write_text("echo from a script\n")
+        self.assertIn("from a script", self.shell("vantorel <script"))
+        self.assertIn("from a pipe", self.shell('echo "echo from a pipe" | vantorel'))
+
+    @unittest.skipIf(shutil.which("rlwrap") is None, "rlwrap is missing")
+    def test_with_rlwrap_a_line_comes_back(self):
+        terminal, program = pty.openpty()
+        termios.tcsetwinsize(program, (24, 80))
+        with subprocess.Popen(
+            ["rlwrap", self.usr / "bin" / "vantorel"],
+            stdin=program, stdout=program, stderr=program, start_new_session=True, cwd=self.folder,
+            env=dict(os.environ, TERM="xterm", HOME=str(self.folder)),
+        ) as process:
+            os.close(program)
+            for typed in (b"echo once\n", b"\x1b[A\n"):  # the arrow upwards
+                os.write(terminal, typed)
+                self.read_until(terminal, b"\nonce ")
+            os.write(terminal, b"exit\n")
+            self.assertEqual(process.wait(30), 0)
+        os.close(terminal)
+
+    def read_until(self, terminal, text):
+        printed = b""
+        while text not in printed:
+            self.assertTrue(select.select([terminal], [], [], 30)[0], printed)
+            printed += os.read(terminal, 4096)
 
     def test_the_program_finds_the_library_in_its_folder(self):
         data = self.usr / "share" / "vantorel"
