@@ -8,7 +8,6 @@
 #include "rom/store.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
 namespace vantorel {
@@ -36,26 +35,18 @@ uint8_t* bytesof(KickstartRom& slot, const Component& component) {
     return slot.pcROM.data() + component.iStart;
 }
 
-// The eight bytes: the first word of a 256K Kickstart, and a jump to the second word of the lower half.
-constexpr int32_t iSplitSize = 8;
-constexpr uint32_t iSplitFirst = 0x11114EF9;
-constexpr uint32_t iSplitTarget = 0x00F80002;
-
-constexpr std::array<uint16_t, 8> iVectors = {0x0018, 0x0019, 0x001A, 0x001B, 0x001C, 0x001D, 0x001E, 0x001F};
-
 } // namespace
 
 int addkickitysplit(int32_t rom) {
     KickstartRom* slot = requirebuildable(rom);
     if (slot == nullptr) return 1;
-    if (slot->iUsed > iSize256K || slot->iSize() <= iSize256K + iSplitSize) {
+    if (slot->iUsed > iSplitOffset || slot->iSize() <= iSplitOffset + iSplitLength) {
         message(kResult, "ERROR, no room for kickity-split\n");
         return 1;
     }
-    Component& split = append(*slot, "kickity-split", cTypeKickitySplit, iSize256K, iSplitSize);
+    Component& split = append(*slot, "kickity-split", cTypeKickitySplit, iSplitOffset, iSplitLength);
     split.pcHash = "0x11114EF900F80002";
-    setlong(bytesof(*slot, split), iSplitFirst);
-    setlong(bytesof(*slot, split) + 4, iSplitTarget);
+    std::ranges::copy(cSplit, bytesof(*slot, split));
     return 0;
 }
 
@@ -102,11 +93,7 @@ int addvectors(int32_t rom) {
     Component* component = appendatend(rom, cTypeVectors, iVectorsFromEnd, iVectorsFromEnd);
     if (component == nullptr) return 1;
     component->pcHash = "0x00180019001a001b001c001d001e001f";
-    uint8_t* place = bytesof(*findslot(rom), *component);
-    for (const uint16_t vector : iVectors) {
-        setword(place, vector);
-        place += 2;
-    }
+    std::ranges::copy(cVectors, bytesof(*findslot(rom), *component));
     return 0;
 }
 
