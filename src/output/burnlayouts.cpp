@@ -4,46 +4,42 @@
 #include "base/message.h"
 #include "output/profile.h"
 #include "rom/header.h"
+#include "rom/layout.h"
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <string_view>
 
 namespace vantorel {
 
 namespace {
 
-// Copies every second word of `from`, beginning at its byte `start`, to `to`, `count` bytes in all; words
-// beyond the end of `from` leave theirs as they are.
-void takeeverysecondword(View from, size_t start, uint8_t* to, size_t count) {
-    for (size_t i = 0; i < count; i += 2) {
-        const size_t at = start + 2 * i;
-        if (at + 1 >= from.size()) return;
-        to[i] = from[at];
-        to[i + 1] = from[at + 1];
-    }
+// Fills `to` with every second word of `from`, beginning at its byte `start`. Bytes for which `from` has no
+// whole word stay as they are.
+void fillwithwords(std::span<uint8_t> to, View from, size_t start) {
+    takewords(from.first(std::min(from.size() & ~size_t{1}, 2 * to.size())), start, to);
 }
 
-void interleavepair(Bytes& buffer) {
+void interleavepair(std::span<uint8_t> buffer) {
     const View upper = profilerom(iPositionF8)->pcROM;
     const View lower = profilerom(iPositionE0)->pcROM;
     constexpr size_t quarter = iSize1M / 4;
-    uint8_t* target = buffer.data();
     for (const size_t word : {size_t{0}, size_t{2}}) {
-        takeeverysecondword(lower, word, target, quarter);
-        takeeverysecondword(upper, word, target + quarter, quarter);
-        target += 2 * quarter;
+        fillwithwords(buffer.first(quarter), lower, word);
+        fillwithwords(buffer.subspan(quarter, quarter), upper, word);
+        buffer = buffer.subspan(2 * quarter);
     }
 }
 
 // The second MiB moves its first half down and takes the words of the fourth ROM around it.
-void interleavefourth(Bytes& buffer) {
+void interleavefourth(std::span<uint8_t> buffer) {
     constexpr size_t half = iSize512K;
-    std::copy_n(buffer.begin() + 2 * half, half, buffer.begin() + half);
+    std::ranges::copy(buffer.subspan(2 * half, half), buffer.begin() + half);
     const KickstartRom* fourth = profilerom(iPositionA0);
     if (fourth == nullptr) return;
-    takeeverysecondword(fourth->pcROM, 0, buffer.data() + half, half);
-    takeeverysecondword(fourth->pcROM, 2, buffer.data() + 3 * half, half);
+    fillwithwords(buffer.subspan(half, half), fourth->pcROM, 0);
+    fillwithwords(buffer.subspan(3 * half, half), fourth->pcROM, 2);
 }
 
 } // namespace

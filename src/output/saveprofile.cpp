@@ -10,9 +10,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <optional>
-#include <span>
 #include <utility>
 
 namespace vantorel {
@@ -82,19 +80,6 @@ std::string fitchips(Burn& burn) {
         std::copy_n(burn.buffer.begin(), length, burn.buffer.begin() + static_cast<std::ptrdiff_t>(length));
     }
     return "";
-}
-
-// Copies every second word of `from`, beginning at its byte `start`, to `to`, which has room for half of it.
-// The last may be cut short. Returns the number of bytes.
-size_t takewords(View from, size_t start, std::span<uint8_t> to) {
-    const size_t whole = from.size() / 4;
-    for (size_t i = 0; i < whole; ++i)
-        std::memcpy(to.data() + 2 * i, from.data() + 4 * i + start, 2);
-    size_t count = 2 * whole;
-    const size_t rest = 4 * whole + start;
-    for (size_t at = rest; at < std::min(rest + 2, from.size()); ++at)
-        to[count++] = from[at];
-    return count;
 }
 
 // An output file of the profile, and its path for what is said of it.

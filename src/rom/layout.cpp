@@ -24,6 +24,17 @@ Bytes byteswapped(View data) {
     return swapped;
 }
 
+size_t takewords(View from, size_t start, std::span<uint8_t> to) {
+    const size_t whole = from.size() / 4;
+    for (size_t i = 0; i < whole; ++i)
+        std::memcpy(to.data() + 2 * i, from.data() + 4 * i + start, 2);
+    size_t count = 2 * whole;
+    const size_t rest = 4 * whole + start;
+    for (size_t at = rest; at < std::min(rest + 2, from.size()); ++at)
+        to[count++] = from[at];
+    return count;
+}
+
 bool isdoubled(View data) {
     const size_t half = data.size() / 2;
     return data.size() % 2 == 0 && std::ranges::equal(data.first(half), data.last(half));
