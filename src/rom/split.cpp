@@ -68,14 +68,9 @@ constexpr std::array<WordOrder, 4> cWordOrders = {{
 Bytes mergewords(const Pair& dumps, const WordOrder& order) {
     const Bytes& high = order.secondfirst ? dumps.second : dumps.first;
     const Bytes& low = order.secondfirst ? dumps.first : dumps.second;
-    const size_t near = order.swapped ? 1 : 0;
     Bytes image(2 * high.size());
-    for (size_t i = 0; i + 1 < high.size(); i += 2) {
-        image[2 * i] = high[i + near];
-        image[2 * i + 1] = high[i + 1 - near];
-        image[2 * i + 2] = low[i + near];
-        image[2 * i + 3] = low[i + 1 - near];
-    }
+    interleavewords(high, low, image.data());
+    if (order.swapped) swapbytes(image);
     return image;
 }
 

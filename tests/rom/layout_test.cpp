@@ -45,6 +45,20 @@ TEST(Layout, TheLastWordTakenMayBeCutShortOrMissing) {
     EXPECT_EQ(wordsof({}, 2), Bytes{});
 }
 
+TEST(Layout, TheWordsOfTwoSourcesAreLaidInTurn) {
+    Bytes to(8);
+    interleavewords(Bytes{1, 2, 3, 4}, Bytes{5, 6, 7, 8}, to.data());
+    EXPECT_EQ(to, (Bytes{1, 2, 5, 6, 3, 4, 7, 8}));
+}
+
+TEST(Layout, OddLastBytesOfTwoSourcesAreNotLaid) {
+    Bytes to(6, 0xEE);
+    interleavewords(Bytes{1, 2, 3}, Bytes{5, 6, 7}, to.data());
+    EXPECT_EQ(to, (Bytes{1, 2, 5, 6, 0xEE, 0xEE}));
+    interleavewords({}, {}, to.data());
+    EXPECT_EQ(to, (Bytes{1, 2, 5, 6, 0xEE, 0xEE}));
+}
+
 // Each word of the file tells its quarter (top two bits) and its number there.
 Bytes numberedquarters() {
     Bytes file;
