@@ -67,12 +67,10 @@ void patchrelocs(KickstartRom& slot, int32_t component) {
 }
 
 int createextract(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    if (slot == nullptr) return 1;
-    Component* record = requirecomponent(*slot, component);
-    if (record == nullptr || !requirefit(*slot, component)) return 1;
+    Component* record = requirerecord(rom, component);
+    if (record == nullptr || !requirefit(*findslot(rom), component)) return 1;
     message(kTrace, "There are %d relocs\n", record->iRelocs());
-    record->pcExtract = extractof(*slot, *record);
+    record->pcExtract = extractof(*findslot(rom), *record);
     return 0;
 }
 

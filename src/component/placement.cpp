@@ -10,20 +10,20 @@
 namespace vantorel {
 
 int copyextracttorom(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
-    if (record == nullptr || !requirefit(*slot, component)) return 1;
+    const Component* record = requirerecord(rom, component);
+    if (record == nullptr || !requirefit(*findslot(rom), component)) return 1;
     if (!haswholeextract(*record)) {
         message(kResult, "ERROR: Component %d has no extract\n", component);
         return 1;
     }
-    uint8_t* place = slot->pcROM.data() + record->iStart;
+    KickstartRom& slot = *findslot(rom);
+    uint8_t* place = slot.pcROM.data() + record->iStart;
     message(kProgress, "Copying extract %p to ROM %p\n", static_cast<const void*>(record->pcExtract->data()),
             static_cast<const void*>(place));
     std::copy_n(record->pcExtract->begin(), record->iSize, place);
-    message(kProgress, "Patching ROM component %d ROMBASE 0x%08x (%d relocs)\n", component, slot->iROMBase,
+    message(kProgress, "Patching ROM component %d ROMBASE 0x%08x (%d relocs)\n", component, slot.iROMBase,
             record->iRelocs());
-    patchrelocs(*slot, component);
+    patchrelocs(slot, component);
     message(kTrace, "Patched\n");
     return 0;
 }
@@ -112,11 +112,11 @@ int32_t findcomponent(int32_t rom, const std::string& name) {
 }
 
 void deletecomponent(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    const Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
-    if (record == nullptr || !requirefit(*slot, component)) return;
-    std::fill_n(slot->pcROM.begin() + record->iStart, record->iSize, slot->cFill);
-    slot->psComponents.erase(slot->psComponents.begin() + component);
+    const Component* record = requirerecord(rom, component);
+    if (record == nullptr || !requirefit(*findslot(rom), component)) return;
+    KickstartRom& slot = *findslot(rom);
+    std::fill_n(slot.pcROM.begin() + record->iStart, record->iSize, slot.cFill);
+    slot.psComponents.erase(slot.psComponents.begin() + component);
 }
 
 namespace {
@@ -133,19 +133,17 @@ int32_t difference(int32_t to, int32_t from) {
 } // namespace
 
 void editcomponentstart(int32_t rom, int32_t component, uint32_t value) {
-    KickstartRom* slot = requireslot(rom);
-    Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
+    Component* record = requirerecord(rom, component);
     if (record == nullptr) return;
-    const int32_t start = imageoffset(*slot, value);
+    const int32_t start = imageoffset(*findslot(rom), value);
     record->iSize = difference(record->iSize, difference(start, record->iStart));
     record->iStart = record->iFixedStart = start;
 }
 
 void editcomponentend(int32_t rom, int32_t component, uint32_t value) {
-    KickstartRom* slot = requireslot(rom);
-    Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
+    Component* record = requirerecord(rom, component);
     if (record == nullptr) return;
-    record->iFixedEnd = imageoffset(*slot, value);
+    record->iFixedEnd = imageoffset(*findslot(rom), value);
     record->iSize = difference(record->iFixedEnd, record->iStart);
 }
 

@@ -19,24 +19,17 @@ KickstartRom* requireslot(int32_t rom) {
     return slot;
 }
 
-namespace {
-
-Component* recordof(KickstartRom& slot, int32_t component) {
-    if (component < 0 || component >= slot.iComponents()) return nullptr;
-    return &slot.psComponents[static_cast<size_t>(component)];
-}
-
-} // namespace
-
 Component* findrecord(int32_t rom, int32_t component) {
     KickstartRom* slot = findslot(rom);
-    return slot != nullptr ? recordof(*slot, component) : nullptr;
+    if (slot == nullptr || component < 0 || component >= slot->iComponents()) return nullptr;
+    return &slot->psComponents[static_cast<size_t>(component)];
 }
 
-Component* requirecomponent(KickstartRom& slot, int32_t component) {
-    if (Component* record = recordof(slot, component)) return record;
-    message(kResult, "ERROR: No such component\n");
-    return nullptr;
+Component* requirerecord(int32_t rom, int32_t component) {
+    if (requireslot(rom) == nullptr) return nullptr;
+    Component* record = findrecord(rom, component);
+    if (record == nullptr) message(kResult, "ERROR: No such component\n");
+    return record;
 }
 
 int32_t newrom(int32_t size, uint8_t fill) {

@@ -81,8 +81,8 @@ extern int32_t iCurrentROM;
 /// The record of component `component` of slot `rom`, or null when there is none. Silent.
 [[nodiscard]] Component* findrecord(int32_t rom, int32_t component);
 
-/// The record of component `component` of `slot`, or null with "ERROR: No such component".
-[[nodiscard]] Component* requirecomponent(KickstartRom& slot, int32_t component);
+/// The same; null with the line of `requireslot`, or with "ERROR: No such component".
+[[nodiscard]] Component* requirerecord(int32_t rom, int32_t component);
 
 /// Makes an empty ROM of `size` bytes (0 or more), each holding `fill`, in the next slot.
 /// Returns the slot, or -1 with a message when all are used. `iCurrentROM` is left alone.

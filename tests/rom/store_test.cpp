@@ -68,6 +68,25 @@ TEST_F(StoreTest, SlotsAreBoundedAtBothEnds) {
     EXPECT_EQ(findslot(-2147483647 - 1), nullptr);
 }
 
+TEST_F(StoreTest, ARecordIsRequiredOfASlotAndAComponent) {
+    newrom(16, 0);
+    slotat(0).psComponents.resize(2);
+    Component* record = nullptr;
+    const auto told = [&](int32_t rom, int32_t component) {
+        return at(1, [&] { record = requirerecord(rom, component); });
+    };
+    EXPECT_EQ(told(0, 1), "");
+    EXPECT_EQ(record, &slotat(0).psComponents[1]);
+    for (const int32_t component : {-1, 2}) {
+        EXPECT_EQ(told(0, component), "ERROR: No such component\n");
+        EXPECT_EQ(record, nullptr);
+    }
+    for (const int32_t rom : {-1, 1}) {
+        EXPECT_EQ(told(rom, 0), "ERROR, No current ROM\n");
+        EXPECT_EQ(record, nullptr);
+    }
+}
+
 TEST_F(StoreTest, RomnameReplacesTheTitleAndSaysSo) {
     newrom(16, 0);
     int result = 1;
