@@ -118,15 +118,14 @@ int checksum(int32_t rom) {
         message(kResult, "Invalid ROM\n");
         return 1;
     }
-    const auto found = std::ranges::find_if(
-        slot->psComponents, [](const Component& component) { return component.pcType == cTypeChecksum; });
-    if (found == slot->psComponents.end()) {
+    const int32_t number =
+        findnumber(*slot, [](const Component& component) { return component.pcType == cTypeChecksum; });
+    if (number < 0) {
         message(kResult, "Error: No checksum component\n");
         return 1;
     }
-    const auto number = static_cast<int32_t>(found - slot->psComponents.begin());
     if (!requirefit(*slot, number)) return 1;
-    if (putlong(slot->pcROM, found->iStart, cChecksum(rom))) return 0;
+    if (putlong(slot->pcROM, findrecord(rom, number)->iStart, cChecksum(rom))) return 0;
     message(kResult, "ERROR: Component %d is too small for a checksum\n", number);
     return 1;
 }

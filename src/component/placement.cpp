@@ -104,11 +104,9 @@ int addcomponent(int32_t rom, Component& record) {
 int32_t findcomponent(int32_t rom, const std::string& name) {
     const KickstartRom* slot = requireslot(rom);
     if (slot == nullptr) return -1;
-    const auto found = std::ranges::find_if(slot->psComponents, [&](const Component& component) {
+    return findnumber(*slot, [&](const Component& component) {
         return component.pcName && startswithnocase(*component.pcName, name);
     });
-    if (found == slot->psComponents.end()) return -1;
-    return static_cast<int32_t>(found - slot->psComponents.begin());
 }
 
 void deletecomponent(int32_t rom, int32_t component) {

@@ -4,6 +4,7 @@
 #include "base/bytes.h"
 #include "base/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -83,6 +84,13 @@ extern int32_t iCurrentROM;
 
 /// The same; null with the line of `requireslot`, or with "ERROR: No such component".
 [[nodiscard]] Component* requirerecord(int32_t rom, int32_t component);
+
+/// The number of the first component of `slot` for which `is` is true; -1 when there is none.
+template <class Predicate>
+[[nodiscard]] int32_t findnumber(const KickstartRom& slot, Predicate is) {
+    const auto found = std::ranges::find_if(slot.psComponents, is);
+    return found == slot.psComponents.end() ? -1 : static_cast<int32_t>(found - slot.psComponents.begin());
+}
 
 /// Makes an empty ROM of `size` bytes (0 or more), each holding `fill`, in the next slot.
 /// Returns the slot, or -1 with a message when all are used. `iCurrentROM` is left alone.

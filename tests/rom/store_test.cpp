@@ -87,6 +87,19 @@ TEST_F(StoreTest, ARecordIsRequiredOfASlotAndAComponent) {
     }
 }
 
+TEST_F(StoreTest, TheFirstOfSeveralComponentsIsFound) {
+    KickstartRom slot;
+    const auto ofsize = [](int32_t size) {
+        return [size](const Component& component) { return component.iSize == size; };
+    };
+    EXPECT_EQ(findnumber(slot, ofsize(0)), -1);
+    slot.psComponents.resize(4);
+    slot.psComponents[1].iSize = slot.psComponents[3].iSize = 8;
+    EXPECT_EQ(findnumber(slot, ofsize(0)), 0);
+    EXPECT_EQ(findnumber(slot, ofsize(8)), 1);
+    EXPECT_EQ(findnumber(slot, ofsize(9)), -1);
+}
+
 TEST_F(StoreTest, RomnameReplacesTheTitleAndSaysSo) {
     newrom(16, 0);
     int result = 1;
