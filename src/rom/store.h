@@ -43,6 +43,8 @@ struct Component {
     /// First byte behind the component, an image offset, wide enough for any record.
     [[nodiscard]] int64_t iEnd() const { return int64_t{iStart} + iSize; }
     [[nodiscard]] bool isblank() const { return !pcName && !pcType; }
+    /// Whether both bounds are known for certain.
+    [[nodiscard]] bool isverified() const { return iFixedStart >= 0 && iFixedEnd >= 0; }
 };
 
 /// More components than any ROM has: a map of more is damage, and working on it would take out of all
