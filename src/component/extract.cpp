@@ -15,7 +15,7 @@ bool requirerange(const KickstartRom& slot, int32_t component, int64_t start, in
 }
 
 bool requirefit(const KickstartRom& slot, int32_t component) {
-    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    const Component& record = slot.component(component);
     return requirerange(slot, component, record.iStart, record.iSize);
 }
 
@@ -52,7 +52,7 @@ Bytes extractof(const KickstartRom& slot, const Component& component) {
 }
 
 void patchrelocs(KickstartRom& slot, int32_t component) {
-    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    const Component& record = slot.component(component);
     const uint32_t address = runaddress(slot, record);
     const bool istraced = isshown(kTrace);
     for (const int32_t reloc : record.ipRelocs) {

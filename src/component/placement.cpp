@@ -40,7 +40,7 @@ struct Place {
 std::optional<Place> findgap(const KickstartRom& slot, int32_t need) {
     int64_t end = 0;
     for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        const Component& component = slot.component(number);
         if (component.isblank()) continue;
         const int64_t gap = component.iStart - end;
         if (gap >= need) {
@@ -92,7 +92,7 @@ int addcomponent(int32_t rom, Component& record) {
     }
     message(kProgress, "Space available - adding\n");
     slot->psComponents.insert(slot->psComponents.begin() + place->number, std::move(record));
-    Component& component = slot->psComponents[static_cast<size_t>(place->number)];
+    Component& component = slot->component(place->number);
     component.iStart = component.iFixedStart = static_cast<int32_t>(place->start);
     component.iFixedEnd = component.iStart + component.iSize;
     if (&component == &slot->psComponents.back()) slot->iUsed = component.iFixedEnd;

@@ -15,7 +15,7 @@ std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t compon
         numbers.push_back(component);
     } else if (const KickstartRom* slot = findslot(rom)) {
         for (int32_t number = 0; number < slot->iComponents(); ++number)
-            if (!slot->psComponents[static_cast<size_t>(number)].isblank()) numbers.push_back(number);
+            if (!slot->component(number).isblank()) numbers.push_back(number);
     }
     return numbers;
 }

@@ -98,7 +98,7 @@ private:
 // An error line for each component that does not lie in the image, and for each reloc outside its component.
 void Gatherer::findsources() {
     for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        const Component& component = slot.component(number);
         if (component.isblank() || !requirefit(slot, number)) continue;
         tellrelocsoutside(component);
         sources.push_back({.number = number, .component = component, .relocs = relocsinside(component)});

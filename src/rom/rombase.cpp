@@ -13,7 +13,7 @@ namespace {
 
 // Whether component `number` can follow its ROM; an error line when not.
 bool ismovable(const KickstartRom& slot, int32_t number) {
-    const Component& component = slot.psComponents[static_cast<size_t>(number)];
+    const Component& component = slot.component(number);
     if (component.ipRelocs.empty()) return true;
     const auto isin = [&](int32_t reloc) { return requireinside(reloc, component.iSize); };
     return requirefit(slot, number) && std::ranges::all_of(component.ipRelocs, isin);
@@ -29,14 +29,14 @@ bool aremovable(const KickstartRom& slot) {
 void completeextracts(int32_t rom) {
     const KickstartRom& slot = *findslot(rom);
     for (int32_t number = 0; number < slot.iComponents(); ++number)
-        if (!slot.psComponents[static_cast<size_t>(number)].ipRelocs.empty()) requireextract(rom, number);
+        if (!slot.component(number).ipRelocs.empty()) requireextract(rom, number);
 }
 
 void repatch(KickstartRom& slot) {
     message(kResult, "Changing ROMBase, need to repatch components in ROM\n");
     int32_t counter = 0;
     for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        const Component& component = slot.component(number);
         if (component.ipRelocs.empty()) continue;
         message(kResult, "Repatching [%d] %s\n", counter, shown(component.pcLibString));
         patchrelocs(slot, number);

@@ -22,7 +22,7 @@ KickstartRom* requireslot(int32_t rom) {
 Component* findrecord(int32_t rom, int32_t component) {
     KickstartRom* slot = findslot(rom);
     if (slot == nullptr || component < 0 || component >= slot->iComponents()) return nullptr;
-    return &slot->psComponents[static_cast<size_t>(component)];
+    return &slot->component(component);
 }
 
 Component* requirerecord(int32_t rom, int32_t component) {
@@ -88,7 +88,7 @@ void freecomponents(int32_t rom) {
     if (slot == nullptr) return;
     message(kAlways, "Freeing psComponents [%p]\n", static_cast<const void*>(slot->psComponents.data()));
     for (int32_t number = 0; number < slot->iComponents(); ++number)
-        narratefreeing(number, slot->psComponents[static_cast<size_t>(number)]);
+        narratefreeing(number, slot->component(number));
     slot->psComponents = {};
 }
 

@@ -64,6 +64,11 @@ struct KickstartRom {
 
     [[nodiscard]] int32_t iSize() const { return static_cast<int32_t>(pcROM.size()); }
     [[nodiscard]] int32_t iComponents() const { return static_cast<int32_t>(psComponents.size()); }
+    /// The record of a component that exists.
+    [[nodiscard]] Component& component(int32_t number) { return psComponents[static_cast<size_t>(number)]; }
+    [[nodiscard]] const Component& component(int32_t number) const {
+        return psComponents[static_cast<size_t>(number)];
+    }
 };
 
 inline constexpr int32_t iRomSlots = 20;
