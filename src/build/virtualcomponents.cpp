@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace vantorel {
 
@@ -21,7 +22,8 @@ KickstartRom* requirebuildable(int32_t rom) {
 }
 
 // The component's record; the bytes it stands for are written apart.
-Component& append(KickstartRom& slot, const char* name, const char* type, int32_t start, int32_t size) {
+Component& append(KickstartRom& slot, std::string_view name, std::string_view type, int32_t start,
+                  int32_t size) {
     Component& component = slot.psComponents.emplace_back();
     component.pcName = name;
     component.pcType = type;
@@ -54,13 +56,13 @@ namespace {
 
 // Appends the component called `type` whose `size` bytes begin `fromend` bytes before the end of the image.
 // Null, and an error line, when there is no such slot or what is in use reaches into it.
-Component* appendatend(int32_t rom, const char* type, int32_t fromend, int32_t size) {
+Component* appendatend(int32_t rom, std::string_view type, int32_t fromend, int32_t size) {
     KickstartRom* slot = requirebuildable(rom);
     if (slot == nullptr) return nullptr;
     const int32_t start = slot->iSize() - fromend;
     if (slot->iUsed <= start) return &append(*slot, type, type, start, size);
     const std::string used = type == cTypeVectors ? formatted(" Used=%d", slot->iUsed) : "";
-    message(kResult, "ERROR, no room for %s%s\n", type, used.c_str());
+    message(kResult, "ERROR, no room for %s%s\n", type.data(), used.c_str());
     return nullptr;
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -380,7 +381,7 @@ private:
     int32_t offset;
     View input;
     int64_t position = 0;
-    const char* type = cTypeUnknown;
+    std::string_view type = cTypeUnknown;
     Bytes extract;
     std::vector<int32_t> relocs;
     HunkTable table;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace vantorel {
 
@@ -100,8 +101,8 @@ FixedStructures findfixedstructures(const KickstartRom& slot) {
 
 namespace {
 
-Component fixedcomponent(const char* type, int32_t start, int32_t size, std::string hash) {
-    message(kResult, "Extra component: %s\n", type);
+Component fixedcomponent(std::string_view type, int32_t start, int32_t size, std::string hash) {
+    message(kResult, "Extra component: %s\n", type.data());
     Component component;
     component.pcName = type;
     component.pcType = type;

@@ -9,18 +9,19 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vantorel {
 
 // The type words of components. `rom/map.cpp` holds the full list that hash files may use.
-inline constexpr const char* cTypeKickitySplit = "Kickity-Split";
-inline constexpr const char* cTypeLibrary = "Library";
-inline constexpr const char* cTypeChecksum = "Checksum";
-inline constexpr const char* cTypeSize = "Size";
-inline constexpr const char* cTypeVectors = "Vectors";
-inline constexpr const char* cTypeData = "Data";
-inline constexpr const char* cTypeUnknown = "Unknown";
+inline constexpr std::string_view cTypeKickitySplit = "Kickity-Split";
+inline constexpr std::string_view cTypeLibrary = "Library";
+inline constexpr std::string_view cTypeChecksum = "Checksum";
+inline constexpr std::string_view cTypeSize = "Size";
+inline constexpr std::string_view cTypeVectors = "Vectors";
+inline constexpr std::string_view cTypeData = "Data";
+inline constexpr std::string_view cTypeUnknown = "Unknown";
 
 /// A byte range of an image and what is known of it. A record as it is made here, all texts absent, is a
 /// blank component: operations on every component pass over it in silence.
