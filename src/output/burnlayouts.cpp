@@ -99,7 +99,7 @@ void putpiece(Bytes& disk, const DiskPiece& piece) {
 constexpr const char* cBonusTooLarge =
     "ERROR: Kickstart 2+ ROM too large, ignoring - this will NOT be a valid Superkick ADF\n";
 
-constexpr std::array<DiskPiece, 4> cSuperkickPieces = {{
+constexpr auto cSuperkickPieces = std::to_array<DiskPiece>({
     {iPositionF8, 1024, iSize256K, true, 0,
      "ERROR: Kickstart 1.3 ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
      "ERROR: Kickstart 1.3 missing - this will NOT be a valid Superkick ADF\n"},
@@ -110,7 +110,7 @@ constexpr std::array<DiskPiece, 4> cSuperkickPieces = {{
      "ERROR: Kickstart 2+ Bonus code missing - this will NOT be a valid Superkick ADF\n"},
     {iPositionE0, 791552, 109568, false, 8, cBonusTooLarge,
      "ERROR: Kickstart 1.3 Bonus code missing - this will NOT be a valid Superkick ADF\n"},
-}};
+});
 
 constexpr DiskPiece cA1000Piece = {
     iPositionF8,

@@ -25,10 +25,9 @@ namespace vantorel {
 namespace {
 
 // The type words of component lines, in the order in which they are tried.
-constexpr std::array<std::string_view, 12> cTypeWords = {
-    cTypeLibrary, "Device",  "ROMHeader",  cTypeKickitySplit,  cTypeChecksum,   "BadData",
-    cTypeData,    cTypeSize, cTypeVectors, "Loadable Library", "Kickstart ROM", "Extended ROM",
-};
+constexpr auto cTypeWords = std::to_array<std::string_view>(
+    {cTypeLibrary, "Device", "ROMHeader", cTypeKickitySplit, cTypeChecksum, "BadData", cTypeData, cTypeSize,
+     cTypeVectors, "Loadable Library", "Kickstart ROM", "Extended ROM"});
 
 // A burner that fills a larger chip repeats the image.
 View withoutoverburn(View data) {

@@ -58,12 +58,12 @@ struct WordOrder {
     bool swapped;
 };
 
-constexpr std::array<WordOrder, 4> cWordOrders = {{
+constexpr auto cWordOrders = std::to_array<WordOrder>({
     {"Lets try Lo+Hi, not byteswapped\n", false, false},
     {"Checksum invalid... we should discard this and try Lo+Hi, byteswapped\n", false, true},
     {"Checksum invalid... we should discard this and try Hi+Lo\n", true, false},
     {"Checksum invalid... we should discard this and try Hi+Lo, byteswapped\n", true, true},
-}};
+});
 
 Bytes mergewords(const Pair& dumps, const WordOrder& order) {
     const Bytes& high = order.secondfirst ? dumps.second : dumps.first;

@@ -85,13 +85,13 @@ struct EditAction {
     void (*run)(int32_t component);
 };
 
-constexpr std::array<EditAction, 5> cEditActions = {{
+constexpr auto cEditActions = std::to_array<EditAction>({
     {cStart, editstart},
     {cEnd, editend},
     {"addrelocs", editaddrelocs},
     {"addreloc", editaddreloc},
     {"deletereloc", editdeletereloc},
-}};
+});
 
 } // namespace
 
@@ -114,12 +114,12 @@ struct AddAction {
     const char* trace;
 };
 
-constexpr std::array<AddAction, 4> cAddActions = {{
+constexpr auto cAddActions = std::to_array<AddAction>({
     {"kickity-split", addkickitysplit, "Add kickity-split"},
     {"checksum", addchecksum, "Add checksum"},
     {"size", addsize, "Add size"},
     {"vectors", addvectors, "Add vectors"},
-}};
+});
 
 void addblock() {
     const auto bytes = numberargument(1);

@@ -25,14 +25,14 @@ struct ProfileWord {
     int32_t type;
 };
 
-constexpr std::array<ProfileWord, 6> cProfileWords = {{
+constexpr auto cProfileWords = std::to_array<ProfileWord>({
     {"single", RomType::iSingle},
     {"dual", RomType::iDual},
     {"cd32", RomType::iCD32},
     {"Superkick.File", RomType::iSuperkickFile},
     {"Superkick.ADF", RomType::iSuperkickADF},
     {"A1000", RomType::iA1000},
-}};
+});
 
 // The layout that argument 1 names, if it names one.
 std::optional<int32_t> profiletype() {
