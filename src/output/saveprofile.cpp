@@ -92,7 +92,7 @@ public:
     [[nodiscard]] bool isopen() const { return file.isopen(); }
 
     void tell(const char* what) const {
-        message(kProgress, "%s [%d]:%s\n", what, file.number(), path.c_str());
+        message(kProgress, "%s [%d]:%s\n", what, file.descriptor(), path.c_str());
     }
 
     // Both return false, with an error line, when not all of it could be written.

@@ -81,10 +81,10 @@ private:
         message(kProgress, "Checking component %d:%d [%s] Extract:%p\n", other.rom, other.number,
                 shown(other.component.pcLibString),
                 extract ? static_cast<const void*>(extract->data()) : nullptr);
-        if (!isalike(number, other) || !extract) return false;
+        if (!comparestrings(number, other) || !extract) return false;
         const int64_t start = int64_t{slot.component(number).iROMTag} -
                               (int64_t{other.component.iROMTag} - other.component.iStart);
-        if (!issame(number, other, start)) return false;
+        if (!comparebytes(number, other, start)) return false;
         message(kResult, "Perfect match, analysing ROM %d Component %d matches ROM %d Component %d\n", rom,
                 number, other.rom, other.number);
         take(number, other.component, static_cast<int32_t>(start));
@@ -92,7 +92,7 @@ private:
     }
 
     // Whether the first characters of both id strings agree; tells it when they do.
-    bool isalike(int32_t number, const Other& other) {
+    bool comparestrings(int32_t number, const Other& other) {
         const Text& mine = slot.component(number).pcLibString;
         const Text& theirs = other.component.pcLibString;
         if (!theirs || std::strncmp(mine->c_str(), theirs->c_str(), iLikeness) != 0) return false;
@@ -102,7 +102,7 @@ private:
     }
 
     // Whether the image at `start` holds what the other component has an extract of; tells how much of it.
-    bool issame(int32_t number, const Other& other, int64_t start) {
+    bool comparebytes(int32_t number, const Other& other, int64_t start) {
         const View extract = View(*other.component.pcExtract)
                                  .first(std::min(other.component.pcExtract->size(),
                                                  static_cast<size_t>(std::max(other.component.iSize, 0))));

@@ -151,7 +151,7 @@ private:
     Component readline(int32_t number, const char* line) {
         if (*line == '\0') return {};
         const auto parts = splitline(line);
-        if (!parts || !isadmitted(number, *parts)) return {};
+        if (!parts || !admit(number, *parts)) return {};
         Component component;
         component.pcName = parts->name;
         component.iStart = component.iFixedStart = parts->start;
@@ -188,7 +188,7 @@ private:
 
     // Whether the range lies in the image, and the map claims no more of it than a sound one; an error line
     // when not.
-    bool isadmitted(int32_t number, const MapLine& parts) {
+    bool admit(int32_t number, const MapLine& parts) {
         if (!isinside(slot.pcROM, parts.start, parts.size)) {
             message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
                     parts.name.c_str());

@@ -13,7 +13,7 @@ namespace vantorel {
 
 namespace {
 
-std::optional<FileContents> openpart(const std::string& path) {
+std::optional<FileContents> readdump(const std::string& path) {
     message(kTrace, "Opening %s\n", path.c_str());
     // Two of them have to make an image.
     if (const InputFile file(path); file.size() > iFileSizeMax / 2) {
@@ -34,13 +34,13 @@ struct Pair {
 
 // Reads both dumps; none, and a message, when they cannot make an image.
 std::optional<Pair> readpair(const std::string& path1, const std::string& path2) {
-    auto first = openpart(path1);
+    auto first = readdump(path1);
     if (!first) return std::nullopt;
     if (first->iExpected == 0) {
         message(kResult, "ERROR: %s is zero bytes long\n", path2.c_str());
         return std::nullopt;
     }
-    auto second = openpart(path2);
+    auto second = readdump(path2);
     if (!second) return std::nullopt;
     if (!first->iscomplete() || !second->iscomplete() || first->bytes.size() != second->bytes.size()) {
         message(kResult, "ERROR: Incomplete read or files are different sizes, can't merge them\n");
