@@ -95,32 +95,59 @@ void putpiece(Bytes& disk, const DiskPiece& piece) {
     }
 }
 
+// What a SuperKickstart disk holds, one behind the other: its boot blocks, which store the sizes of both
+// bonus codes as longs, two Kickstarts, the bonus code of the second, and that of the first up to the end.
+constexpr int32_t iFirstBonusSize = 8;
+constexpr int32_t iSecondBonusSize = 12;
+constexpr int32_t iFirstKickstart = 2 * adf::iBlockSize;
+constexpr int32_t iSecondKickstart = iFirstKickstart + iSize256K;
+constexpr int32_t iSecondBonus = iSecondKickstart + iSize512K;
+constexpr int32_t iFirstBonus = iSecondBonus + 4096;
+
 // Both kinds of bonus code that are too large get the same line.
 constexpr const char* cBonusTooLarge =
     "ERROR: Kickstart 2+ ROM too large, ignoring - this will NOT be a valid Superkick ADF\n";
 
 constexpr auto cSuperkickPieces = std::to_array<DiskPiece>({
-    {iPositionF8, 1024, iSize256K, true, 0,
-     "ERROR: Kickstart 1.3 ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
-     "ERROR: Kickstart 1.3 missing - this will NOT be a valid Superkick ADF\n"},
-    {iPositionB0, 263168, iSize512K, true, 0,
-     "ERROR: Kickstart 2+ ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
-     "ERROR: Kickstart 2+ missing - this will NOT be a valid Superkick ADF\n"},
-    {iPositionA0, 787456, 4096, false, 12, cBonusTooLarge,
-     "ERROR: Kickstart 2+ Bonus code missing - this will NOT be a valid Superkick ADF\n"},
-    {iPositionE0, 791552, 109568, false, 8, cBonusTooLarge,
-     "ERROR: Kickstart 1.3 Bonus code missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionF8,
+     .offset = iFirstKickstart,
+     .size = iSize256K,
+     .isexact = true,
+     .sizefield = 0,
+     .misfit = "ERROR: Kickstart 1.3 ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
+     .missing = "ERROR: Kickstart 1.3 missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionB0,
+     .offset = iSecondKickstart,
+     .size = iSize512K,
+     .isexact = true,
+     .sizefield = 0,
+     .misfit = "ERROR: Kickstart 2+ ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
+     .missing = "ERROR: Kickstart 2+ missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionA0,
+     .offset = iSecondBonus,
+     .size = iFirstBonus - iSecondBonus,
+     .isexact = false,
+     .sizefield = iSecondBonusSize,
+     .misfit = cBonusTooLarge,
+     .missing = "ERROR: Kickstart 2+ Bonus code missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionE0,
+     .offset = iFirstBonus,
+     .size = adf::iImageSize - iFirstBonus,
+     .isexact = false,
+     .sizefield = iFirstBonusSize,
+     .misfit = cBonusTooLarge,
+     .missing = "ERROR: Kickstart 1.3 Bonus code missing - this will NOT be a valid Superkick ADF\n"},
 });
 
 constexpr DiskPiece cA1000Piece = {
-    iPositionF8,
-    512,
-    iSize256K,
-    true,
-    0,
-    "ERROR: Kickstart 1.3/1.4 ROM wrong size, ignoring - this will NOT be a valid A1000 Kickstart ADF\n",
-    "ERROR: Kickstart missing - this will NOT be a valid A1000 Kickstart ADF\n"};
-
+    .position = iPositionF8,
+    .offset = adf::iBlockSize,
+    .size = iSize256K,
+    .isexact = true,
+    .sizefield = 0,
+    .misfit =
+        "ERROR: Kickstart 1.3/1.4 ROM wrong size, ignoring - this will NOT be a valid A1000 Kickstart ADF\n",
+    .missing = "ERROR: Kickstart missing - this will NOT be a valid A1000 Kickstart ADF\n"};
 } // namespace
 
 Bytes superkickdisk() {
