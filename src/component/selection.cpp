@@ -5,11 +5,14 @@
 
 namespace vantorel {
 
+bool requireselectable(int32_t rom) {
+    const bool isselectable = rom >= 0 && rom <= iMaxRom;
+    if (!isselectable) message(kResult, "ROM out of range\n");
+    return isselectable;
+}
+
 std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component) {
-    if (rom < 0 || rom > iMaxRom) {
-        message(kResult, "ROM out of range\n");
-        return std::nullopt;
-    }
+    if (!requireselectable(rom)) return std::nullopt;
     std::vector<int32_t> numbers;
     if (component != iEveryComponent) {
         numbers.push_back(component);
