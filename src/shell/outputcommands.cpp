@@ -54,7 +54,7 @@ void romprofile() {
     if (!require(1, "ERROR, please specify the profile type [single|dual|CD32]\n")) return;
     const auto type = profiletype();
     int32_t next = type ? 2 : 1;
-    std::array<int32_t, iProfileSlots> slots = {-1, -1, -1, -1};
+    std::array<int32_t, iProfileSlots> slots = iNoProfile;
     for (int32_t& slot : slots) {
         if (!isgiven(next)) break;
         const auto number = profileslot(next);
