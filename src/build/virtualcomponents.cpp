@@ -2,7 +2,6 @@
 
 #include "base/message.h"
 #include "component/extract.h"
-#include "component/placement.h"
 #include "rom/checksum.h"
 #include "rom/header.h"
 #include "rom/store.h"
@@ -97,21 +96,6 @@ int addvectors(int32_t rom) {
     component->pcHash = "0x00180019001a001b001c001d001e001f";
     std::ranges::copy(cVectors, bytesof(*findslot(rom), *component));
     return 0;
-}
-
-int addunallocated(int32_t rom, int32_t bytes, int8_t fill) {
-    const KickstartRom* slot = requirebuildable(rom);
-    if (slot == nullptr) return -1;
-    Component block;
-    block.pcName = "Unallocated";
-    block.pcHash = "Unallocated";
-    block.pcType = cTypeData;
-    block.iStart = -1;
-    block.iSize = bytes;
-    // What is larger than the whole image needs no bytes to be refused.
-    if (bytes <= slot->iSize())
-        block.pcExtract.emplace(static_cast<size_t>(bytes), static_cast<uint8_t>(fill));
-    return addcomponent(rom, block);
 }
 
 int checksum(int32_t rom) {

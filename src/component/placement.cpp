@@ -101,6 +101,24 @@ int addcomponent(int32_t rom, Component& record) {
     return 0;
 }
 
+int addunallocated(int32_t rom, int32_t bytes, int8_t fill) {
+    const KickstartRom* slot = findslot(rom);
+    if (slot == nullptr) {
+        message(kResult, "ERROR, invalid ROM\n");
+        return -1;
+    }
+    Component block;
+    block.pcName = "Unallocated";
+    block.pcHash = "Unallocated";
+    block.pcType = cTypeData;
+    block.iStart = -1;
+    block.iSize = bytes;
+    // What is larger than the whole image needs no bytes to be refused.
+    if (bytes <= slot->iSize())
+        block.pcExtract.emplace(static_cast<size_t>(bytes), static_cast<uint8_t>(fill));
+    return addcomponent(rom, block);
+}
+
 int32_t findcomponent(int32_t rom, const std::string& name) {
     const KickstartRom* slot = requireslot(rom);
     if (slot == nullptr) return -1;
