@@ -163,18 +163,13 @@ void editcomponentend(int32_t rom, int32_t component, uint32_t value) {
     record->iSize = difference(record->iFixedEnd, record->iStart);
 }
 
-namespace {
-
-std::string cut(const Text& text, size_t most) { return text.value_or("").substr(0, most); }
-
-} // namespace
-
 int32_t getcomponentdata(int32_t rom, int32_t component, ComponentData& record) {
     const Component* found = findrecord(rom, component);
     if (found == nullptr) return -1;
     message(kRaw, "inDLL[%p=%s]\n", address(found->pcName), shown(found->pcName));
-    record = {cut(found->pcName, 127), cut(found->pcType, 31), cut(found->pcHash, 127), found->iStart,
-              found->iSize};
+    constexpr size_t typetext = 31;
+    record = {cut(found->pcName.value_or(""), iRecordText), cut(found->pcType.value_or(""), typetext),
+              cut(found->pcHash.value_or(""), iRecordText), found->iStart, found->iSize};
     return rom;
 }
 

@@ -45,9 +45,9 @@ void editcomponentend(int32_t rom, int32_t component, uint32_t value);
 
 /// What a front end learns of a component.
 struct ComponentData {
-    std::string cName; ///< at most 127 characters; empty when the component has none
+    std::string cName; ///< at most `iRecordText` characters; empty when the component has none
     std::string cType; ///< at most 31 characters
-    std::string cHash; ///< at most 127 characters
+    std::string cHash; ///< at most `iRecordText` characters
     int32_t iStart = 0;
     int32_t iSize = 0;
 };

@@ -62,9 +62,7 @@ int32_t getromdata(int32_t rom, RomData& record) {
     if (rom == -1) return iMaxRom;
     const KickstartRom* slot = findslot(rom);
     if (slot == nullptr) return -1;
-    constexpr size_t titlemax = 127;
-    record = {slot->iComponents(), slot->iSize(), slot->iROMBase,
-              std::string(shown(slot->pcTitle)).substr(0, titlemax)};
+    record = {slot->iComponents(), slot->iSize(), slot->iROMBase, cut(shown(slot->pcTitle), iRecordText)};
     return rom;
 }
 

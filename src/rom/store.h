@@ -115,7 +115,7 @@ struct RomData {
     int32_t iComponents = 0;
     int32_t iSize = 0; ///< bytes
     uint32_t iROMBase = 0;
-    std::string cTitle; ///< at most 127 characters
+    std::string cTitle; ///< at most `iRecordText` characters
 };
 
 /// Fills `record` for slot `rom` and returns `rom`; returns `iMaxRom` for -1 and -1 for any other slot not in
