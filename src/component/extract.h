@@ -52,14 +52,14 @@ int createextract(int32_t rom, int32_t component);
 [[nodiscard]] bool haswholeextract(const Component& component);
 
 /// Builds the extract of component `component` of slot `rom`, which both exist, when it has no whole one,
-/// and tells of each reloc outside the component with an error line. False, and an
-/// error line, when the component does not lie in its image.
+/// and tells of each reloc outside the component with an error line. False, and an error line, when the
+/// component does not lie in its image.
 bool requireextract(int32_t rom, int32_t component);
 
 /// The relocs of `component` whose longs lie inside it, in their order.
 [[nodiscard]] std::vector<int32_t> relocsinside(const Component& component);
 
-/// Tells of each of the others with an error line.
+/// Tells of each reloc of `component` whose long does not lie inside it with an error line.
 void tellrelocsoutside(const Component& component);
 
 } // namespace vantorel

@@ -52,7 +52,7 @@ struct Component {
 /// proportion.
 inline constexpr int32_t iComponentsMost = 4096;
 
-/// One slot. The stored checksum is the long at `iSize` - 24, the internal size the long at `iSize` - 20.
+/// One slot. `rom/header.h` tells where its image keeps what.
 struct KickstartRom {
     Bytes pcROM;                         ///< the image
     int32_t iUsed = 0;                   ///< bytes of the image that hold loaded data
