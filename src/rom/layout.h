@@ -15,8 +15,8 @@ void swapbytes(std::span<uint8_t> data);
 /// for half of `from`. The last may be cut short. Returns the number of bytes.
 size_t takewords(View from, size_t start, std::span<uint8_t> to);
 
-/// Lays the 16-bit words of `high` and `low`, which is as long, in turn from `to` on; an odd last byte of both
-/// is left out.
+/// Lays the 16-bit words of `high` and `low`, which is as long, in turn from `to` on; an odd last byte of
+/// both is left out.
 void interleavewords(View high, View low, uint8_t* to);
 
 /// Whether `data` is one thing twice: of even length, both halves the same.
