@@ -25,9 +25,11 @@ bool liesinside(int32_t reloc, int64_t size) { return reloc >= 0 && int64_t{relo
 
 } // namespace
 
+void telloutside(int32_t reloc) { message(kResult, "ERROR: Reloc %d is outside its component\n", reloc); }
+
 bool requireinside(int32_t reloc, int64_t size) {
     const bool inside = liesinside(reloc, size);
-    if (!inside) message(kResult, "ERROR: Reloc %d is outside its component\n", reloc);
+    if (!inside) telloutside(reloc);
     return inside;
 }
 

@@ -25,6 +25,9 @@ namespace vantorel {
 /// Whether the long at `reloc`, a component offset, lies inside `size` bytes; an error line when it does not.
 [[nodiscard]] bool requireinside(int32_t reloc, int64_t size);
 
+/// Says that the long at `reloc`, a component offset, does not lie inside its component.
+[[gnu::noinline]] void telloutside(int32_t reloc);
+
 /// Takes out of `relocs` (component offsets in bytes) each one whose long does not lie inside a component of
 /// `size` bytes, with an error line each.
 void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size);
