@@ -11,7 +11,7 @@ namespace vantorel {
 
 namespace {
 
-bool iswholedisk(int64_t size) {
+bool requirewholedisk(int64_t size) {
     if (size == adf::iImageSize) return true;
     message(kAlways, "ERROR: ADF size wrong, must be 901120 bytes is %ld\n", static_cast<long>(size));
     return false;
@@ -45,12 +45,12 @@ std::string loadadf(const std::string& path) {
 }
 
 std::string loadadf(InputFile& file) {
-    if (!iswholedisk(file.size()) || file.read(cBuffer) != cBuffer.size()) return cError;
+    if (!requirewholedisk(file.size()) || file.read(cBuffer) != cBuffer.size()) return cError;
     return listimage();
 }
 
 std::string loadadfimage(View image) {
-    if (!iswholedisk(static_cast<int64_t>(image.size()))) return cError;
+    if (!requirewholedisk(static_cast<int64_t>(image.size()))) return cError;
     std::copy_n(image.data(), image.size(), cBuffer.data());
     return listimage();
 }

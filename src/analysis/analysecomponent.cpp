@@ -201,8 +201,7 @@ int analyseromoffsets(int32_t rom) {
     if (slot == nullptr) return 0;
     for (int32_t number = 0; number < slot->iComponents(); ++number) {
         const Component& record = *findrecord(rom, number);
-        const bool isverified = record.iFixedStart >= 0 && record.iFixedEnd >= 0;
-        if (isverified || !record.pcLibString) continue;
+        if (record.isverified() || !record.pcLibString) continue;
         message(kResult, "%s\n", shown(record.pcLibString));
         for (const Match& copy : findcopies(rom, record))
             proposebounds(copy, record, number);

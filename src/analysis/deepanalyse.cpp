@@ -257,9 +257,7 @@ void DeepAnalysis::run(int32_t least) {
     tellrange(chunks.empty() ? 0 : chunks.back().source + chunks.back().length, source.size, "after all");
 }
 
-bool isverified(const Component& record) { return record.iFixedStart >= 0 && record.iFixedEnd >= 0; }
-
-bool fits(int32_t rom, int32_t component) {
+bool requirecomparable(int32_t rom, int32_t component) {
     const Component& record = *findrecord(rom, component);
     const int64_t size = int64_t{record.iFixedEnd} - record.iFixedStart;
     if (!requirerange(*findslot(rom), component, record.iFixedStart, size)) return false;
@@ -282,10 +280,10 @@ bool require(int32_t srcRom, int32_t srcComponent, int32_t dstRom, int32_t dstCo
     const Component* destination = findrecord(dstRom, dstComponent);
     if (source == nullptr || destination == nullptr)
         return refuse("source or destination component out of range");
-    if (!isverified(*source) || !isverified(*destination))
+    if (!source->isverified() || !destination->isverified())
         return refuse(
             "source and destination components must have verfied start/end editcomponent to be sure");
-    return fits(srcRom, srcComponent) && fits(dstRom, dstComponent);
+    return requirecomparable(srcRom, srcComponent) && requirecomparable(dstRom, dstComponent);
 }
 
 } // namespace

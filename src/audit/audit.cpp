@@ -22,11 +22,6 @@ std::vector<AuditFile> psAuditFilesFile;
 
 namespace {
 
-/// The longest name that the records of `getauditfile` and `getauditdir` hold.
-constexpr size_t iNameMax = 127;
-
-std::string shortname(std::string_view name) { return std::string(name.substr(0, iNameMax)); }
-
 std::string workingdirectory() {
     std::error_code ignored;
     return std::filesystem::current_path(ignored).string();
@@ -128,7 +123,7 @@ int getauditfile(int32_t index, AuditFileData& record) {
     message(kChatty, "GETTING File #%d [%s] Parent=%d\n", index, file.cName.c_str(),
             static_cast<int>(file.iDirectory));
     record.iDirectory = file.iDirectory;
-    record.cName = shortname(file.cName);
+    record.cName = cut(file.cName, iRecordText);
     if (file.iCRC32 == 0) file.iCRC32 = hashedfile(psAuditFilesDir[file.iDirectory].cPath + "/" + file.cName);
     record.cCRC = formatted("0x%08x", file.iCRC32);
     message(kTrace, "CRC: %s\n", record.cCRC.c_str());
@@ -139,7 +134,7 @@ int getauditdir(int32_t index, AuditDirData& record) {
     if (index < 0 || static_cast<size_t>(index) >= psAuditFilesDir.size()) return 1;
     const AuditDirectory& directory = psAuditFilesDir[static_cast<size_t>(index)];
     record.iParent = directory.iParent;
-    record.cName = shortname(mBasename(directory.cPath.c_str()));
+    record.cName = cut(mBasename(directory.cPath.c_str()), iRecordText);
     return 0;
 }
 

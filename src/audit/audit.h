@@ -30,14 +30,14 @@ extern std::vector<AuditFile> psAuditFilesFile;
 /// What `getauditfile` tells of a file.
 struct AuditFileData {
     uint32_t iDirectory = 0;
-    std::string cName; ///< at most 127 characters
+    std::string cName; ///< at most `iRecordText` characters
     std::string cCRC;  ///< "0x%08x"
 };
 
 /// What `getauditdir` tells of a directory.
 struct AuditDirData {
     uint32_t iParent = 0;
-    std::string cName; ///< base name of the path, at most 127 characters
+    std::string cName; ///< base name of the path, at most `iRecordText` characters
 };
 
 /// Discards the audit and makes that of the tree at `top`. Directories that cannot be read, and any called

@@ -56,13 +56,13 @@ int openoutput(const std::string& path, unsigned permissions) {
     return descriptor;
 }
 
-OutputFile::OutputFile(const std::string& path) : descriptor(openoutput(path, 0755)) {}
+OutputFile::OutputFile(const std::string& path) : handle(openoutput(path, 0755)) {}
 
 OutputFile::~OutputFile() { close(); }
 
 void OutputFile::write(View bytes) {
     while (good && !bytes.empty()) {
-        const ssize_t put = ::write(descriptor, bytes.data(), bytes.size());
+        const ssize_t put = ::write(handle, bytes.data(), bytes.size());
         if (put < 0 && errno == EINTR) continue;
         good = put > 0;
         if (good) bytes = bytes.subspan(static_cast<size_t>(put));
@@ -71,8 +71,8 @@ void OutputFile::write(View bytes) {
 
 bool OutputFile::close() {
     if (!isopen()) return false;
-    good = ::close(descriptor) == 0 && good;
-    descriptor = -1;
+    good = ::close(handle) == 0 && good;
+    handle = -1;
     return good;
 }
 

@@ -62,10 +62,10 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    [[nodiscard]] bool isopen() const { return descriptor >= 0; }
+    [[nodiscard]] bool isopen() const { return handle >= 0; }
 
     /// The descriptor, -1 when the file is not open.
-    [[nodiscard]] int number() const { return descriptor; }
+    [[nodiscard]] int descriptor() const { return handle; }
 
     /// Appends `bytes`. After a failure (a full disk) what was written so far stays and nothing more is.
     void write(View bytes);
@@ -74,7 +74,7 @@ public:
     bool close();
 
 private:
-    int descriptor = -1;
+    int handle = -1;
     bool good = true;
 };
 

@@ -27,6 +27,8 @@ std::string joinpath(std::string_view directory, std::string_view name) {
     return path;
 }
 
+std::string cut(std::string_view text, size_t most) { return std::string(text.substr(0, most)); }
+
 bool startswithnocase(std::string_view text, std::string_view prefix) {
     return text.size() >= prefix.size() && strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
 }

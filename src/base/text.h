@@ -25,6 +25,12 @@ inline constexpr size_t iPathMax = 1023;
 /// `directory` + "/" + `name`, cut at `iPathMax` characters.
 [[nodiscard]] std::string joinpath(std::string_view directory, std::string_view name);
 
+/// The most characters of a text in the records that a front end is given.
+inline constexpr size_t iRecordText = 127;
+
+/// The first `most` characters of `text`, or all.
+[[nodiscard]] std::string cut(std::string_view text, size_t most);
+
 /// Whether `text` begins with `prefix`, compared without regard to the case of ASCII letters.
 [[nodiscard]] bool startswithnocase(std::string_view text, std::string_view prefix);
 

@@ -2,14 +2,13 @@
 
 #include "base/message.h"
 #include "component/extract.h"
-#include "component/placement.h"
 #include "rom/checksum.h"
 #include "rom/header.h"
 #include "rom/store.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
+#include <string_view>
 
 namespace vantorel {
 
@@ -22,7 +21,8 @@ KickstartRom* requirebuildable(int32_t rom) {
 }
 
 // The component's record; the bytes it stands for are written apart.
-Component& append(KickstartRom& slot, const char* name, const char* type, int32_t start, int32_t size) {
+Component& append(KickstartRom& slot, std::string_view name, std::string_view type, int32_t start,
+                  int32_t size) {
     Component& component = slot.psComponents.emplace_back();
     component.pcName = name;
     component.pcType = type;
@@ -36,26 +36,18 @@ uint8_t* bytesof(KickstartRom& slot, const Component& component) {
     return slot.pcROM.data() + component.iStart;
 }
 
-// The eight bytes: the first word of a 256K Kickstart, and a jump to the second word of the lower half.
-constexpr int32_t iSplitSize = 8;
-constexpr uint32_t iSplitFirst = 0x11114EF9;
-constexpr uint32_t iSplitTarget = 0x00F80002;
-
-constexpr std::array<uint16_t, 8> iVectors = {0x0018, 0x0019, 0x001A, 0x001B, 0x001C, 0x001D, 0x001E, 0x001F};
-
 } // namespace
 
 int addkickitysplit(int32_t rom) {
     KickstartRom* slot = requirebuildable(rom);
     if (slot == nullptr) return 1;
-    if (slot->iUsed > iSize256K || slot->iSize() <= iSize256K + iSplitSize) {
+    if (slot->iUsed > iSplitOffset || slot->iSize() <= iSplitOffset + iSplitLength) {
         message(kResult, "ERROR, no room for kickity-split\n");
         return 1;
     }
-    Component& split = append(*slot, "kickity-split", cTypeKickitySplit, iSize256K, iSplitSize);
+    Component& split = append(*slot, "kickity-split", cTypeKickitySplit, iSplitOffset, iSplitLength);
     split.pcHash = "0x11114EF900F80002";
-    setlong(bytesof(*slot, split), iSplitFirst);
-    setlong(bytesof(*slot, split) + 4, iSplitTarget);
+    std::ranges::copy(cSplit, bytesof(*slot, split));
     return 0;
 }
 
@@ -63,13 +55,13 @@ namespace {
 
 // Appends the component called `type` whose `size` bytes begin `fromend` bytes before the end of the image.
 // Null, and an error line, when there is no such slot or what is in use reaches into it.
-Component* appendatend(int32_t rom, const char* type, int32_t fromend, int32_t size) {
+Component* appendatend(int32_t rom, std::string_view type, int32_t fromend, int32_t size) {
     KickstartRom* slot = requirebuildable(rom);
     if (slot == nullptr) return nullptr;
     const int32_t start = slot->iSize() - fromend;
     if (slot->iUsed <= start) return &append(*slot, type, type, start, size);
     const std::string used = type == cTypeVectors ? formatted(" Used=%d", slot->iUsed) : "";
-    message(kResult, "ERROR, no room for %s%s\n", type, used.c_str());
+    message(kResult, "ERROR, no room for %s%s\n", type.data(), used.c_str());
     return nullptr;
 }
 
@@ -102,27 +94,8 @@ int addvectors(int32_t rom) {
     Component* component = appendatend(rom, cTypeVectors, iVectorsFromEnd, iVectorsFromEnd);
     if (component == nullptr) return 1;
     component->pcHash = "0x00180019001a001b001c001d001e001f";
-    uint8_t* place = bytesof(*findslot(rom), *component);
-    for (const uint16_t vector : iVectors) {
-        setword(place, vector);
-        place += 2;
-    }
+    std::ranges::copy(cVectors, bytesof(*findslot(rom), *component));
     return 0;
-}
-
-int addunallocated(int32_t rom, int32_t bytes, int8_t fill) {
-    const KickstartRom* slot = requirebuildable(rom);
-    if (slot == nullptr) return -1;
-    Component block;
-    block.pcName = "Unallocated";
-    block.pcHash = "Unallocated";
-    block.pcType = cTypeData;
-    block.iStart = -1;
-    block.iSize = bytes;
-    // What is larger than the whole image needs no bytes to be refused.
-    if (bytes <= slot->iSize())
-        block.pcExtract.emplace(static_cast<size_t>(bytes), static_cast<uint8_t>(fill));
-    return addcomponent(rom, block);
 }
 
 int checksum(int32_t rom) {
@@ -131,15 +104,14 @@ int checksum(int32_t rom) {
         message(kResult, "Invalid ROM\n");
         return 1;
     }
-    const auto found = std::ranges::find_if(
-        slot->psComponents, [](const Component& component) { return component.pcType == cTypeChecksum; });
-    if (found == slot->psComponents.end()) {
+    const int32_t number =
+        findnumber(*slot, [](const Component& component) { return component.pcType == cTypeChecksum; });
+    if (number < 0) {
         message(kResult, "Error: No checksum component\n");
         return 1;
     }
-    const auto number = static_cast<int32_t>(found - slot->psComponents.begin());
     if (!requirefit(*slot, number)) return 1;
-    if (putlong(slot->pcROM, found->iStart, cChecksum(rom))) return 0;
+    if (putlong(slot->pcROM, findrecord(rom, number)->iStart, cChecksum(rom))) return 0;
     message(kResult, "ERROR: Component %d is too small for a checksum\n", number);
     return 1;
 }

@@ -23,10 +23,6 @@ int addsize(int32_t rom);
 /// The autovector numbers 24 to 31 that an image ends with.
 int addvectors(int32_t rom);
 
-/// Adds a block of `bytes` bytes (0 or more), each holding `fill`, where it first fits. Returns 0; -1 with an
-/// error line when there is no such slot or no room.
-int addunallocated(int32_t rom, int32_t bytes, int8_t fill);
-
 /// Calculates the checksum of slot `rom` and stores it in the first Checksum component. Returns 0; 1 with an
 /// error line when there is no such slot, no such component, or the component's long is not in the image.
 int checksum(int32_t rom);

@@ -15,7 +15,7 @@ bool requirerange(const KickstartRom& slot, int32_t component, int64_t start, in
 }
 
 bool requirefit(const KickstartRom& slot, int32_t component) {
-    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    const Component& record = slot.component(component);
     return requirerange(slot, component, record.iStart, record.iSize);
 }
 
@@ -25,9 +25,11 @@ bool liesinside(int32_t reloc, int64_t size) { return reloc >= 0 && int64_t{relo
 
 } // namespace
 
+void telloutside(int32_t reloc) { message(kResult, "ERROR: Reloc %d is outside its component\n", reloc); }
+
 bool requireinside(int32_t reloc, int64_t size) {
     const bool inside = liesinside(reloc, size);
-    if (!inside) message(kResult, "ERROR: Reloc %d is outside its component\n", reloc);
+    if (!inside) telloutside(reloc);
     return inside;
 }
 
@@ -52,7 +54,7 @@ Bytes extractof(const KickstartRom& slot, const Component& component) {
 }
 
 void patchrelocs(KickstartRom& slot, int32_t component) {
-    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    const Component& record = slot.component(component);
     const uint32_t address = runaddress(slot, record);
     const bool istraced = isshown(kTrace);
     for (const int32_t reloc : record.ipRelocs) {
@@ -67,12 +69,10 @@ void patchrelocs(KickstartRom& slot, int32_t component) {
 }
 
 int createextract(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    if (slot == nullptr) return 1;
-    Component* record = requirecomponent(*slot, component);
-    if (record == nullptr || !requirefit(*slot, component)) return 1;
+    Component* record = requirerecord(rom, component);
+    if (record == nullptr || !requirefit(*findslot(rom), component)) return 1;
     message(kTrace, "There are %d relocs\n", record->iRelocs());
-    record->pcExtract = extractof(*slot, *record);
+    record->pcExtract = extractof(*findslot(rom), *record);
     return 0;
 }
 

@@ -25,6 +25,9 @@ namespace vantorel {
 /// Whether the long at `reloc`, a component offset, lies inside `size` bytes; an error line when it does not.
 [[nodiscard]] bool requireinside(int32_t reloc, int64_t size);
 
+/// Says that the long at `reloc`, a component offset, does not lie inside its component.
+[[gnu::noinline]] void telloutside(int32_t reloc);
+
 /// Takes out of `relocs` (component offsets in bytes) each one whose long does not lie inside a component of
 /// `size` bytes, with an error line each.
 void droprelocsoutside(std::vector<int32_t>& relocs, int32_t size);
@@ -52,14 +55,14 @@ int createextract(int32_t rom, int32_t component);
 [[nodiscard]] bool haswholeextract(const Component& component);
 
 /// Builds the extract of component `component` of slot `rom`, which both exist, when it has no whole one,
-/// and tells of each reloc outside the component with an error line. False, and an
-/// error line, when the component does not lie in its image.
+/// and tells of each reloc outside the component with an error line. False, and an error line, when the
+/// component does not lie in its image.
 bool requireextract(int32_t rom, int32_t component);
 
 /// The relocs of `component` whose longs lie inside it, in their order.
 [[nodiscard]] std::vector<int32_t> relocsinside(const Component& component);
 
-/// Tells of each of the others with an error line.
+/// Tells of each reloc of `component` whose long does not lie inside it with an error line.
 void tellrelocsoutside(const Component& component);
 
 } // namespace vantorel

@@ -12,7 +12,7 @@ struct HunkName {
 };
 
 // The last row names every other id.
-constexpr std::array<HunkName, 26> aHunks = {{
+constexpr auto aHunks = std::to_array<HunkName>({
     {Hunk::iUnit, "HUNK_UNIT"},
     {Hunk::iName, "HUNK_NAME"},
     {Hunk::iCode, "HUNK_CODE"},
@@ -39,7 +39,7 @@ constexpr std::array<HunkName, 26> aHunks = {{
     {Hunk::iPpcCode, "EXTENDED HUNK_PPC_CODE"},
     {Hunk::iRelReloc26, "EXTENDED HUNK_RELRELOC26"},
     {0, "UNKNOWN HUNK"},
-}};
+});
 
 } // namespace
 

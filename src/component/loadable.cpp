@@ -3,6 +3,7 @@
 #include "base/message.h"
 #include "component/extract.h"
 #include "component/hunk.h"
+#include "component/selection.h"
 #include "hash/crc32.h"
 
 #include <algorithm>
@@ -131,10 +132,7 @@ Bytes componentfile(const KickstartRom& slot, const Component& component) {
 }
 
 int32_t loadedlib2loadablelib(int32_t rom, int32_t component, Bytes& buffer, uint32_t& crc) {
-    if (rom < 0 || rom > iMaxRom) {
-        message(kResult, "ROM out of range\n");
-        return 0;
-    }
+    if (!requireselectable(rom)) return 0;
     const Component* record = findrecord(rom, component);
     if (record == nullptr) {
         message(kResult, "Component out of range\n");

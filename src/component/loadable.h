@@ -31,8 +31,8 @@ inline constexpr int32_t iShortRelocLimit = 65536;
 
 /// Puts the file of component `component` of slot `rom` into `buffer` and returns its length in bytes. `crc`
 /// becomes the CRC32 of a loadable library form, which is built from a fresh extract where there is none;
-/// for raw bytes it is left alone. 0, and an error line, when there is no such slot or component or the
-/// component does not lie in its image; a slot equal to `iMaxRom` counts as a ROM without components.
+/// for raw bytes it is left alone. 0, and an error line, when there is no such component, it does not lie in
+/// its image, or `requireselectable` refuses the slot.
 int32_t loadedlib2loadablelib(int32_t rom, int32_t component, Bytes& buffer, uint32_t& crc);
 
 } // namespace vantorel

@@ -10,20 +10,20 @@
 namespace vantorel {
 
 int copyextracttorom(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
-    if (record == nullptr || !requirefit(*slot, component)) return 1;
+    const Component* record = requirerecord(rom, component);
+    if (record == nullptr || !requirefit(*findslot(rom), component)) return 1;
     if (!haswholeextract(*record)) {
         message(kResult, "ERROR: Component %d has no extract\n", component);
         return 1;
     }
-    uint8_t* place = slot->pcROM.data() + record->iStart;
+    KickstartRom& slot = *findslot(rom);
+    uint8_t* place = slot.pcROM.data() + record->iStart;
     message(kProgress, "Copying extract %p to ROM %p\n", static_cast<const void*>(record->pcExtract->data()),
             static_cast<const void*>(place));
     std::copy_n(record->pcExtract->begin(), record->iSize, place);
-    message(kProgress, "Patching ROM component %d ROMBASE 0x%08x (%d relocs)\n", component, slot->iROMBase,
+    message(kProgress, "Patching ROM component %d ROMBASE 0x%08x (%d relocs)\n", component, slot.iROMBase,
             record->iRelocs());
-    patchrelocs(*slot, component);
+    patchrelocs(slot, component);
     message(kTrace, "Patched\n");
     return 0;
 }
@@ -40,7 +40,7 @@ struct Place {
 std::optional<Place> findgap(const KickstartRom& slot, int32_t need) {
     int64_t end = 0;
     for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        const Component& component = slot.component(number);
         if (component.isblank()) continue;
         const int64_t gap = component.iStart - end;
         if (gap >= need) {
@@ -92,7 +92,7 @@ int addcomponent(int32_t rom, Component& record) {
     }
     message(kProgress, "Space available - adding\n");
     slot->psComponents.insert(slot->psComponents.begin() + place->number, std::move(record));
-    Component& component = slot->psComponents[static_cast<size_t>(place->number)];
+    Component& component = slot->component(place->number);
     component.iStart = component.iFixedStart = static_cast<int32_t>(place->start);
     component.iFixedEnd = component.iStart + component.iSize;
     if (&component == &slot->psComponents.back()) slot->iUsed = component.iFixedEnd;
@@ -101,22 +101,38 @@ int addcomponent(int32_t rom, Component& record) {
     return 0;
 }
 
+int addunallocated(int32_t rom, int32_t bytes, int8_t fill) {
+    const KickstartRom* slot = findslot(rom);
+    if (slot == nullptr) {
+        message(kResult, "ERROR, invalid ROM\n");
+        return -1;
+    }
+    Component block;
+    block.pcName = "Unallocated";
+    block.pcHash = "Unallocated";
+    block.pcType = cTypeData;
+    block.iStart = -1;
+    block.iSize = bytes;
+    // What is larger than the whole image needs no bytes to be refused.
+    if (bytes <= slot->iSize())
+        block.pcExtract.emplace(static_cast<size_t>(bytes), static_cast<uint8_t>(fill));
+    return addcomponent(rom, block);
+}
+
 int32_t findcomponent(int32_t rom, const std::string& name) {
     const KickstartRom* slot = requireslot(rom);
     if (slot == nullptr) return -1;
-    const auto found = std::ranges::find_if(slot->psComponents, [&](const Component& component) {
+    return findnumber(*slot, [&](const Component& component) {
         return component.pcName && startswithnocase(*component.pcName, name);
     });
-    if (found == slot->psComponents.end()) return -1;
-    return static_cast<int32_t>(found - slot->psComponents.begin());
 }
 
 void deletecomponent(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    const Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
-    if (record == nullptr || !requirefit(*slot, component)) return;
-    std::fill_n(slot->pcROM.begin() + record->iStart, record->iSize, slot->cFill);
-    slot->psComponents.erase(slot->psComponents.begin() + component);
+    const Component* record = requirerecord(rom, component);
+    if (record == nullptr || !requirefit(*findslot(rom), component)) return;
+    KickstartRom& slot = *findslot(rom);
+    std::fill_n(slot.pcROM.begin() + record->iStart, record->iSize, slot.cFill);
+    slot.psComponents.erase(slot.psComponents.begin() + component);
 }
 
 namespace {
@@ -133,34 +149,27 @@ int32_t difference(int32_t to, int32_t from) {
 } // namespace
 
 void editcomponentstart(int32_t rom, int32_t component, uint32_t value) {
-    KickstartRom* slot = requireslot(rom);
-    Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
+    Component* record = requirerecord(rom, component);
     if (record == nullptr) return;
-    const int32_t start = imageoffset(*slot, value);
+    const int32_t start = imageoffset(*findslot(rom), value);
     record->iSize = difference(record->iSize, difference(start, record->iStart));
     record->iStart = record->iFixedStart = start;
 }
 
 void editcomponentend(int32_t rom, int32_t component, uint32_t value) {
-    KickstartRom* slot = requireslot(rom);
-    Component* record = slot != nullptr ? requirecomponent(*slot, component) : nullptr;
+    Component* record = requirerecord(rom, component);
     if (record == nullptr) return;
-    record->iFixedEnd = imageoffset(*slot, value);
+    record->iFixedEnd = imageoffset(*findslot(rom), value);
     record->iSize = difference(record->iFixedEnd, record->iStart);
 }
-
-namespace {
-
-std::string cut(const Text& text, size_t most) { return text.value_or("").substr(0, most); }
-
-} // namespace
 
 int32_t getcomponentdata(int32_t rom, int32_t component, ComponentData& record) {
     const Component* found = findrecord(rom, component);
     if (found == nullptr) return -1;
     message(kRaw, "inDLL[%p=%s]\n", address(found->pcName), shown(found->pcName));
-    record = {cut(found->pcName, 127), cut(found->pcType, 31), cut(found->pcHash, 127), found->iStart,
-              found->iSize};
+    constexpr size_t typetext = 31;
+    record = {cut(found->pcName.value_or(""), iRecordText), cut(found->pcType.value_or(""), typetext),
+              cut(found->pcHash.value_or(""), iRecordText), found->iStart, found->iSize};
     return rom;
 }
 

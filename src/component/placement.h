@@ -21,6 +21,10 @@ int copyextracttorom(int32_t rom, int32_t component);
 /// such slot, no room in it, or the extract is shorter than the size.
 int addcomponent(int32_t rom, Component& record);
 
+/// Places a block of `bytes` bytes (0 or more), each holding `fill`, as `addcomponent` does. Returns 0; -1
+/// with an error line when there is no such slot or no room.
+int addunallocated(int32_t rom, int32_t bytes, int8_t fill);
+
 /// The first component of slot `rom` whose name begins with `name`, case ignored; -1 when there is none or,
 /// with an error line, no such slot.
 [[nodiscard]] int32_t findcomponent(int32_t rom, const std::string& name);
@@ -41,9 +45,9 @@ void editcomponentend(int32_t rom, int32_t component, uint32_t value);
 
 /// What a front end learns of a component.
 struct ComponentData {
-    std::string cName; ///< at most 127 characters; empty when the component has none
+    std::string cName; ///< at most `iRecordText` characters; empty when the component has none
     std::string cType; ///< at most 31 characters
-    std::string cHash; ///< at most 127 characters
+    std::string cHash; ///< at most `iRecordText` characters
     int32_t iStart = 0;
     int32_t iSize = 0;
 };

@@ -163,9 +163,7 @@ int32_t scanrelocs(int32_t rom, int32_t component) {
 } // namespace
 
 void addrelocs(int32_t rom, int32_t component) {
-    KickstartRom* slot = requireslot(rom);
-    if (slot == nullptr || requirecomponent(*slot, component) == nullptr || !requirefit(*slot, component))
-        return;
+    if (requirerecord(rom, component) == nullptr || !requirefit(*findslot(rom), component)) return;
     message(kResult, "%d potential relocs added\n", scanrelocs(rom, component));
 }
 

@@ -5,17 +5,20 @@
 
 namespace vantorel {
 
+bool requireselectable(int32_t rom) {
+    const bool isselectable = rom >= 0 && rom <= iMaxRom;
+    if (!isselectable) message(kResult, "ROM out of range\n");
+    return isselectable;
+}
+
 std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component) {
-    if (rom < 0 || rom > iMaxRom) {
-        message(kResult, "ROM out of range\n");
-        return std::nullopt;
-    }
+    if (!requireselectable(rom)) return std::nullopt;
     std::vector<int32_t> numbers;
     if (component != iEveryComponent) {
         numbers.push_back(component);
     } else if (const KickstartRom* slot = findslot(rom)) {
         for (int32_t number = 0; number < slot->iComponents(); ++number)
-            if (!slot->psComponents[static_cast<size_t>(number)].isblank()) numbers.push_back(number);
+            if (!slot->component(number).isblank()) numbers.push_back(number);
     }
     return numbers;
 }

@@ -11,9 +11,12 @@ namespace vantorel {
 /// Means every component where a component number is asked for: those that are not blank.
 inline constexpr int32_t iEveryComponent = -1;
 
+/// Whether components can be chosen from slot `rom`: one equal to `iMaxRom` counts as a ROM without
+/// components; of any other that does not exist, "ROM out of range".
+[[nodiscard]] bool requireselectable(int32_t rom);
+
 /// The numbers that `component` stands for in slot `rom`: itself, whether there is such a component or not;
-/// or of `iEveryComponent` all but the blank ones. A slot equal to `iMaxRom` counts as a ROM without
-/// components; none, with "ROM out of range", of any other that does not exist.
+/// or of `iEveryComponent` all but the blank ones. None of a slot that `requireselectable` refuses.
 [[nodiscard]] std::optional<std::vector<int32_t>> selectcomponents(int32_t rom, int32_t component);
 
 /// What a save command does with one component that exists; `name` is the file's, or empty.

@@ -129,9 +129,9 @@ void canoniseone(int32_t rom, int32_t number) {
     if (!component.ipRelocs.empty()) {
         canonisebyform(rom, number);
     } else if (component.pcLibString) {
-        const bool isconfirmed = component.iFixedStart >= 0 && component.iFixedEnd >= 0;
-        component.pcHash = withoutblanks(formatted("%s.%08x.%s", isconfirmed ? "Complete" : "Incomplete",
-                                                   findslot(rom)->iCRC32, shown(component.pcLibString)));
+        const char* known = component.isverified() ? "Complete" : "Incomplete";
+        component.pcHash = withoutblanks(
+            formatted("%s.%08x.%s", known, findslot(rom)->iCRC32, shown(component.pcLibString)));
     } else {
         message(kProgress, "Ignoring component %d, no relocs (and no ROMTAG)\n", number);
     }

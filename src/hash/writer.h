@@ -14,8 +14,8 @@ int saveromhash(int32_t rom, const std::string& name);
 
 /// Writes the hash file of component `component` of slot `rom`, or with -1 each in turn, to the
 /// file `name`, or with an empty name each to the one called after its hash, below the save directory. One
-/// without relocs, or that cannot be written, is told of and passed over. A slot equal to `iMaxRom` counts as
-/// a ROM without components; beyond: "ROM out of range".
+/// without relocs, or that cannot be written, is told of and passed over. The slot must be one that
+/// `requireselectable` admits.
 void savecomponenthash(int32_t rom, int32_t component, const std::string& name);
 
 /// Gives component `component` of slot `rom`, or of a negative number each, its canonical hash name: that of

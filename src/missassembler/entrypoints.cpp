@@ -43,11 +43,7 @@ std::optional<int64_t> Tag::pointerat(int64_t place) const {
 }
 
 std::string flagscomment(uint8_t flags) {
-    std::string text = ";RT_FLAGS ";
-    if ((flags & RomTag::cColdStart) != 0) text += "COLDSTART|";
-    if ((flags & RomTag::cSingleTask) != 0) text += "SINGLETASK|";
-    if ((flags & RomTag::cAfterDos) != 0) text += "AFTERDOS|";
-    if ((flags & RomTag::cAutoInit) != 0) text += "AUTOINIT|";
+    std::string text = ";RT_FLAGS " + flagnames(flags, '|');
     text.pop_back();
     return text;
 }

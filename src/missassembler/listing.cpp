@@ -58,12 +58,12 @@ struct ItemFormat {
     int32_t digits;
 };
 
-constexpr std::array<ItemFormat, 4> sItemFormats = {{
+constexpr auto sItemFormats = std::to_array<ItemFormat>({
     {MissType::cAddress, 4, 6},
     {MissType::cLong, 4, 8},
     {MissType::cWord, 2, 4},
     {MissType::cByte, 1, 2},
-}};
+});
 
 class Lister {
 public:

@@ -208,7 +208,7 @@ void setbounds(const KickstartRom& slot, int32_t component) {
 
 // Suggests other bounds for the component when its code refers to addresses beyond its own.
 void suggestbounds(const KickstartRom& slot, int32_t component) {
-    const Component& record = slot.psComponents[static_cast<size_t>(component)];
+    const Component& record = slot.component(component);
     const uint32_t first = runaddress(slot, record);
     const bool iswhole = iMissMax == iMissMin + static_cast<uint32_t>(record.iSize);
     if (iMissMin == first && iswhole) return;

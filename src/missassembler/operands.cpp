@@ -105,7 +105,7 @@ struct ControlRegister {
     std::string_view name;
 };
 
-constexpr std::array<ControlRegister, 8> sControlRegisters = {{
+constexpr auto sControlRegisters = std::to_array<ControlRegister>({
     {0x000, "SFC (68010+)"},
     {0x001, "DFC (68010+)"},
     {0x002, "CACR (68020+)"},
@@ -114,7 +114,7 @@ constexpr std::array<ControlRegister, 8> sControlRegisters = {{
     {0x802, "CAAR (68020+)"},
     {0x803, "MSP (68020+)"},
     {0x804, "ISP (68020+)"},
-}};
+});
 
 std::string_view controlregister(uint32_t extension) {
     const auto found = std::ranges::find(sControlRegisters, extension & 0xFFFU, &ControlRegister::number);

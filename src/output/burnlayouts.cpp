@@ -4,46 +4,42 @@
 #include "base/message.h"
 #include "output/profile.h"
 #include "rom/header.h"
+#include "rom/layout.h"
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <string_view>
 
 namespace vantorel {
 
 namespace {
 
-// Copies every second word of `from`, beginning at its byte `start`, to `to`, `count` bytes in all; words
-// beyond the end of `from` leave theirs as they are.
-void takeeverysecondword(View from, size_t start, uint8_t* to, size_t count) {
-    for (size_t i = 0; i < count; i += 2) {
-        const size_t at = start + 2 * i;
-        if (at + 1 >= from.size()) return;
-        to[i] = from[at];
-        to[i + 1] = from[at + 1];
-    }
+// Fills `to` with every second word of `from`, beginning at its byte `start`. Bytes for which `from` has no
+// whole word stay as they are.
+void fillwithwords(std::span<uint8_t> to, View from, size_t start) {
+    takewords(from.first(std::min(from.size() & ~size_t{1}, 2 * to.size())), start, to);
 }
 
-void interleavepair(Bytes& buffer) {
+void interleavepair(std::span<uint8_t> buffer) {
     const View upper = profilerom(iPositionF8)->pcROM;
     const View lower = profilerom(iPositionE0)->pcROM;
     constexpr size_t quarter = iSize1M / 4;
-    uint8_t* target = buffer.data();
     for (const size_t word : {size_t{0}, size_t{2}}) {
-        takeeverysecondword(lower, word, target, quarter);
-        takeeverysecondword(upper, word, target + quarter, quarter);
-        target += 2 * quarter;
+        fillwithwords(buffer.first(quarter), lower, word);
+        fillwithwords(buffer.subspan(quarter, quarter), upper, word);
+        buffer = buffer.subspan(2 * quarter);
     }
 }
 
 // The second MiB moves its first half down and takes the words of the fourth ROM around it.
-void interleavefourth(Bytes& buffer) {
+void interleavefourth(std::span<uint8_t> buffer) {
     constexpr size_t half = iSize512K;
-    std::copy_n(buffer.begin() + 2 * half, half, buffer.begin() + half);
+    std::ranges::copy(buffer.subspan(2 * half, half), buffer.begin() + half);
     const KickstartRom* fourth = profilerom(iPositionA0);
     if (fourth == nullptr) return;
-    takeeverysecondword(fourth->pcROM, 0, buffer.data() + half, half);
-    takeeverysecondword(fourth->pcROM, 2, buffer.data() + 3 * half, half);
+    fillwithwords(buffer.subspan(half, half), fourth->pcROM, 0);
+    fillwithwords(buffer.subspan(3 * half, half), fourth->pcROM, 2);
 }
 
 } // namespace
@@ -99,32 +95,59 @@ void putpiece(Bytes& disk, const DiskPiece& piece) {
     }
 }
 
+// What a SuperKickstart disk holds, one behind the other: its boot blocks, which store the sizes of both
+// bonus codes as longs, two Kickstarts, the bonus code of the second, and that of the first up to the end.
+constexpr int32_t iFirstBonusSize = 8;
+constexpr int32_t iSecondBonusSize = 12;
+constexpr int32_t iFirstKickstart = 2 * adf::iBlockSize;
+constexpr int32_t iSecondKickstart = iFirstKickstart + iSize256K;
+constexpr int32_t iSecondBonus = iSecondKickstart + iSize512K;
+constexpr int32_t iFirstBonus = iSecondBonus + 4096;
+
 // Both kinds of bonus code that are too large get the same line.
 constexpr const char* cBonusTooLarge =
     "ERROR: Kickstart 2+ ROM too large, ignoring - this will NOT be a valid Superkick ADF\n";
 
-constexpr std::array<DiskPiece, 4> cSuperkickPieces = {{
-    {iPositionF8, 1024, iSize256K, true, 0,
-     "ERROR: Kickstart 1.3 ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
-     "ERROR: Kickstart 1.3 missing - this will NOT be a valid Superkick ADF\n"},
-    {iPositionB0, 263168, iSize512K, true, 0,
-     "ERROR: Kickstart 2+ ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
-     "ERROR: Kickstart 2+ missing - this will NOT be a valid Superkick ADF\n"},
-    {iPositionA0, 787456, 4096, false, 12, cBonusTooLarge,
-     "ERROR: Kickstart 2+ Bonus code missing - this will NOT be a valid Superkick ADF\n"},
-    {iPositionE0, 791552, 109568, false, 8, cBonusTooLarge,
-     "ERROR: Kickstart 1.3 Bonus code missing - this will NOT be a valid Superkick ADF\n"},
-}};
+constexpr auto cSuperkickPieces = std::to_array<DiskPiece>({
+    {.position = iPositionF8,
+     .offset = iFirstKickstart,
+     .size = iSize256K,
+     .isexact = true,
+     .sizefield = 0,
+     .misfit = "ERROR: Kickstart 1.3 ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
+     .missing = "ERROR: Kickstart 1.3 missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionB0,
+     .offset = iSecondKickstart,
+     .size = iSize512K,
+     .isexact = true,
+     .sizefield = 0,
+     .misfit = "ERROR: Kickstart 2+ ROM wrong size, ignoring - this will NOT be a valid Superkick ADF\n",
+     .missing = "ERROR: Kickstart 2+ missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionA0,
+     .offset = iSecondBonus,
+     .size = iFirstBonus - iSecondBonus,
+     .isexact = false,
+     .sizefield = iSecondBonusSize,
+     .misfit = cBonusTooLarge,
+     .missing = "ERROR: Kickstart 2+ Bonus code missing - this will NOT be a valid Superkick ADF\n"},
+    {.position = iPositionE0,
+     .offset = iFirstBonus,
+     .size = adf::iImageSize - iFirstBonus,
+     .isexact = false,
+     .sizefield = iFirstBonusSize,
+     .misfit = cBonusTooLarge,
+     .missing = "ERROR: Kickstart 1.3 Bonus code missing - this will NOT be a valid Superkick ADF\n"},
+});
 
 constexpr DiskPiece cA1000Piece = {
-    iPositionF8,
-    512,
-    iSize256K,
-    true,
-    0,
-    "ERROR: Kickstart 1.3/1.4 ROM wrong size, ignoring - this will NOT be a valid A1000 Kickstart ADF\n",
-    "ERROR: Kickstart missing - this will NOT be a valid A1000 Kickstart ADF\n"};
-
+    .position = iPositionF8,
+    .offset = adf::iBlockSize,
+    .size = iSize256K,
+    .isexact = true,
+    .sizefield = 0,
+    .misfit =
+        "ERROR: Kickstart 1.3/1.4 ROM wrong size, ignoring - this will NOT be a valid A1000 Kickstart ADF\n",
+    .missing = "ERROR: Kickstart missing - this will NOT be a valid A1000 Kickstart ADF\n"};
 } // namespace
 
 Bytes superkickdisk() {

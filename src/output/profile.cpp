@@ -5,7 +5,7 @@
 namespace vantorel {
 
 int32_t isROMType = RomType::iUnset;
-std::array<int32_t, iProfileSlots> isProfileROM = {-1, -1, -1, -1};
+std::array<int32_t, iProfileSlots> isProfileROM = iNoProfile;
 
 void romprofile(int32_t type, int32_t rom0, int32_t rom1, int32_t rom2, int32_t rom3) {
     isROMType = type;

@@ -27,6 +27,13 @@ inline constexpr size_t iPositionE0 = 1;
 inline constexpr size_t iPositionB0 = 2;
 inline constexpr size_t iPositionA0 = 3;
 
+/// A profile without a ROM.
+inline constexpr auto iNoProfile = [] {
+    std::array<int32_t, iProfileSlots> none{};
+    none.fill(-1);
+    return none;
+}();
+
 /// The layout of the profile, a `RomType`. Set by `romprofile`.
 extern int32_t isROMType;
 /// The slot at each position; one that does not exist leaves its position unused. Set by `romprofile`.

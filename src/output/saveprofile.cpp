@@ -10,9 +10,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <optional>
-#include <span>
+#include <utility>
 
 namespace vantorel {
 
@@ -56,28 +55,12 @@ struct Burn {
         byteswap = false;
         chunk = 0;
     }
-};
 
-void arrange(Burn& burn) {
-    switch (isROMType) {
-    case RomType::iCD32:
-        interleaveCD32(burn.buffer);
-        break;
-    case RomType::iSuperkickFile:
-        burn.dropoptions();
-        break;
-    case RomType::iSuperkickADF:
-        burn.buffer = superkickdisk();
-        burn.dropoptions();
-        break;
-    case RomType::iA1000:
-        burn.buffer = a1000disk();
-        burn.dropoptions();
-        break;
-    default:
-        break;
+    void becomedisk(Bytes disk) {
+        buffer = std::move(disk);
+        dropoptions();
     }
-}
+};
 
 // Repeats an image that leaves room on its chips. Returns what numbers the files of the first chips, empty
 // when no others are needed.
@@ -99,19 +82,6 @@ std::string fitchips(Burn& burn) {
     return "";
 }
 
-// Copies every second word of `from`, beginning at its byte `start`, to `to`, which has room for half of it.
-// The last may be cut short. Returns the number of bytes.
-size_t takewords(View from, size_t start, std::span<uint8_t> to) {
-    const size_t whole = from.size() / 4;
-    for (size_t i = 0; i < whole; ++i)
-        std::memcpy(to.data() + 2 * i, from.data() + 4 * i + start, 2);
-    size_t count = 2 * whole;
-    const size_t rest = 4 * whole + start;
-    for (size_t at = rest; at < std::min(rest + 2, from.size()); ++at)
-        to[count++] = from[at];
-    return count;
-}
-
 // An output file of the profile, and its path for what is said of it.
 class ProfileFile {
 public:
@@ -122,7 +92,7 @@ public:
     [[nodiscard]] bool isopen() const { return file.isopen(); }
 
     void tell(const char* what) const {
-        message(kProgress, "%s [%d]:%s\n", what, file.number(), path.c_str());
+        message(kProgress, "%s [%d]:%s\n", what, file.descriptor(), path.c_str());
     }
 
     // Both return false, with an error line, when not all of it could be written.
@@ -155,11 +125,17 @@ private:
     OutputFile file;
 };
 
-bool writesingle(View bytes, const std::string& name, const char* what) {
+bool writewhole(View bytes, const std::string& name, const char* what) {
     ProfileFile file(name);
     if (!file.isopen()) return false;
     file.tell(what);
     return file.writeall(bytes);
+}
+
+// Each of these writes a chunk. The suffix counts on as a character code, also past the end of a text.
+
+bool writesingle(View bytes, const std::string& name, const char* suffix, bool /*isfirst*/) {
+    return writewhole(bytes, name + suffix + ".bin", "Single-Chunk");
 }
 
 bool writedual(View bytes, const std::string& name, const char* suffix, bool isfirst) {
@@ -172,42 +148,50 @@ bool writedual(View bytes, const std::string& name, const char* suffix, bool isf
     return high.writewords(bytes, 0) && low.writewords(bytes, 2);
 }
 
-// The suffix counts on as a character code, also past the end of a text.
-bool writechunk(View bytes, const std::string& name, const char* suffix, bool isfirst) {
-    switch (isROMType) {
-    case RomType::iDual:
-        return writedual(bytes, name, suffix, isfirst);
-    case RomType::iSuperkickADF:
-    case RomType::iA1000:
-        return writesingle(bytes, name + ".adf", "Single file");
-    default:
-        return writesingle(bytes, name + suffix + ".bin", "Single-Chunk");
-    }
+bool writedisk(View bytes, const std::string& name, const char* /*suffix*/, bool /*isfirst*/) {
+    return writewhole(bytes, name + ".adf", "Single file");
 }
 
-void announcefiles() {
-    switch (isROMType) {
-    case RomType::iDual:
-        message(kProgress, "Dual rom, separating into HI/LO\n");
-        break;
-    case RomType::iSuperkickADF:
-    case RomType::iA1000:
-        message(kProgress, "ADF, no HI/LO separation or 512k chunks\n");
-        break;
-    default:
-        message(kProgress, "Single rom, no HI/LO separation\n");
-        break;
-    }
+// The files that a chunk goes to.
+struct FileKind {
+    const char* announcement;
+    int32_t chips; // that share a chunk
+    bool (*write)(View bytes, const std::string& name, const char* suffix, bool isfirst);
+};
+
+constexpr FileKind cSingleFile = {"Single rom, no HI/LO separation\n", 1, writesingle};
+constexpr FileKind cDualFiles = {"Dual rom, separating into HI/LO\n", 2, writedual};
+constexpr FileKind cDiskFile = {"ADF, no HI/LO separation or 512k chunks\n", 1, writedisk};
+
+struct BurnLayout {
+    int32_t type;                // a `RomType`
+    void (*arrange)(Burn& burn); // what its buffer becomes; null: stays as it is
+    FileKind files;
+};
+
+constexpr auto cBurnLayouts = std::to_array<BurnLayout>({
+    {RomType::iSingle, nullptr, cSingleFile},
+    {RomType::iDual, nullptr, cDualFiles},
+    {RomType::iCD32, [](Burn& burn) { interleaveCD32(burn.buffer); }, cSingleFile},
+    {RomType::iSuperkickFile, [](Burn& burn) { burn.dropoptions(); }, cSingleFile},
+    {RomType::iSuperkickADF, [](Burn& burn) { burn.becomedisk(superkickdisk()); }, cDiskFile},
+    {RomType::iA1000, [](Burn& burn) { burn.becomedisk(a1000disk()); }, cDiskFile},
+});
+
+// That of the profile: like a single one when none was chosen or there is no such layout.
+const BurnLayout& burnlayout() {
+    const auto* found = std::ranges::find(cBurnLayouts, isROMType, &BurnLayout::type);
+    return found != cBurnLayouts.end() ? *found : cBurnLayouts.front();
 }
 
 // Without a number in their names all chunks go to the same files, and the last one stays.
-bool writechunks(const Burn& burn, const std::string& name, std::string suffix) {
+bool writechunks(const Burn& burn, const FileKind& files, const std::string& name, std::string suffix) {
     View rest = burn.buffer;
-    announcefiles();
+    message(kProgress, "%s", files.announcement);
     for (bool isfirst = true; isfirst || !rest.empty(); isfirst = false) {
         const size_t count =
             burn.chunk != 0 ? std::min(rest.size(), static_cast<size_t>(burn.chunk)) : rest.size();
-        if (!writechunk(rest.first(count), name, suffix.c_str(), isfirst)) return false;
+        if (!files.write(rest.first(count), name, suffix.c_str(), isfirst)) return false;
         rest = rest.subspan(count);
         if (!suffix.empty()) ++suffix.back();
     }
@@ -219,15 +203,15 @@ bool writechunks(const Burn& burn, const std::string& name, std::string suffix) 
 int saveprofile(bool byteswap, int32_t savesize, const std::string& name) {
     auto images = assemble();
     if (!images) return 1;
-    const int64_t chips = isROMType == RomType::iDual ? 2 : 1;
-    Burn burn{std::move(*images), byteswap, int64_t{savesize} * 1024 * chips};
-    arrange(burn);
+    const BurnLayout& layout = burnlayout();
+    Burn burn{std::move(*images), byteswap, int64_t{savesize} * 1024 * layout.files.chips};
+    if (layout.arrange != nullptr) layout.arrange(burn);
     if (burn.byteswap) {
         message(kResult, "Buffer needs to be byteswapped\n");
         swapbytes(burn.buffer);
     }
     const std::string suffix = fitchips(burn);
-    return writechunks(burn, name, suffix) ? 0 : 1;
+    return writechunks(burn, layout.files, name, suffix) ? 0 : 1;
 }
 
 } // namespace vantorel

@@ -24,10 +24,6 @@ constexpr int32_t iWordMost = 65535;
 constexpr const char* cBcplSection = "BCPL";
 // Where the number of a line of that section begins: behind "RELOC=".
 constexpr size_t iBcplNumber = 6;
-// The long that says where the components of a SuperKickstart end, counted from the image's end.
-constexpr int32_t iEndMarker = 28;
-// The pointer of a Kickity-Split.
-constexpr int32_t iKickityPointer = 262148;
 
 bool iseven(size_t streamsize) { return (iRtbHeader + streamsize) % 2 == 0; }
 
@@ -102,7 +98,7 @@ private:
 // An error line for each component that does not lie in the image, and for each reloc outside its component.
 void Gatherer::findsources() {
     for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        const Component& component = slot.component(number);
         if (component.isblank() || !requirefit(slot, number)) continue;
         tellrelocsoutside(component);
         sources.push_back({.number = number, .component = component, .relocs = relocsinside(component)});
@@ -112,7 +108,7 @@ void Gatherer::findsources() {
 // Whether the image says that its components end at `lastend`, an image offset, as those for SuperKickstart
 // disks do.
 bool Gatherer::hasmarker(uint32_t lastend) const {
-    const uint32_t marker = iUINT32(slot.pcROM.data() + slot.iSize() - iEndMarker);
+    const uint32_t marker = iUINT32(slot.pcROM.data() + slot.iSize() - iMarkerFromEnd);
     const uint32_t expected = slot.iROMBase + lastend;
     if (marker == expected)
         message(kChatty, "SuperKickstart ROM end recorded in ROM, appears to be correct (x%08x)\n", marker);
@@ -149,10 +145,10 @@ void Gatherer::addrelocs(const Source& source) {
     message(kChatty, "Adding %d relocs from component %d\n", static_cast<int32_t>(mine.size()), number);
     for (size_t i = 0; i < mine.size(); ++i) {
         const int32_t place = source.component.iStart + mine[i];
-        if (iskickitydue && place > iKickityPointer) {
+        if (iskickitydue && place > iSplitPointer) {
             message(kChatty, "Inserting Kickity-Split reloc before component %d reloc %d\n", number,
                     static_cast<int32_t>(i));
-            entries.push_back(iKickityPointer);
+            entries.push_back(iSplitPointer);
             iskickitydue = false;
         }
         entries.push_back(place);
@@ -187,7 +183,7 @@ void Gatherer::gather() {
         addrelocs(source);
         addbcpl(source.component);
     }
-    const int32_t marker = slot.iSize() - iEndMarker;
+    const int32_t marker = slot.iSize() - iMarkerFromEnd;
     if (expected.hasmarker) {
         message(kChatty, "Adding SuperKickstart, end of components marker 0x%08x\n",
                 static_cast<uint32_t>(marker));
@@ -232,7 +228,7 @@ Bytes rtbfile(int32_t rom, int32_t& counted) {
 int savertb(int32_t rom, const std::string& name) {
     KickstartRom* slot = findslot(rom);
     if (slot == nullptr) return 1;
-    if (slot->iSize() < iEndMarker) {
+    if (slot->iSize() < iMarkerFromEnd) {
         message(kResult, "ERROR, ROM %d is too small for an RTB file (%d bytes)\n", rom, slot->iSize());
         return 1;
     }

@@ -6,6 +6,7 @@
 #include "rom/gaps.h"
 #include "rom/identify.h"
 #include "rom/librarymatch.h"
+#include "rom/listing.h"
 #include "rom/store.h"
 
 namespace vantorel {
@@ -14,8 +15,7 @@ namespace {
 
 void showheader(int32_t rom, const KickstartRom& slot) {
     const View image = slot.pcROM;
-    message(kResult, "Analyse %2d ROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", rom, slot.iROMBase,
-            slot.iCRC32, slot.iUsed, slot.iSize(), slot.iSize() / 1024);
+    message(kResult, "Analyse %2d %s", rom, slotsummary(slot).c_str());
     message(kResult, "File size=%06x, Ident=%02x%02x, Entry=%08x, Ver=%d.%d, ExecVer=%d.%d\n",
             static_cast<uint32_t>(slot.iUsed), image[0], image[1], *longat(image, RomHeader::iEntry),
             *wordat(image, RomHeader::iVersion), *wordat(image, RomHeader::iRevision),

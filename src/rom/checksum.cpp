@@ -53,7 +53,7 @@ uint32_t cChecksum(int32_t rom) {
 bool iskickstartsize(size_t size) { return size == iSize256K || size == iSize512K || size == iSize1M; }
 
 bool validrom(View data) {
-    if (!iskickstartsize(data.size()) || data[0] != 0x11) return false;
+    if (!iskickstartsize(data.size()) || data[0] != RomHeader::cFirstByte) return false;
     if (data.size() != iSize1M) return carriesvalidchecksum(data);
     return carriesvalidchecksum(part(data, 0, iSize512K)) &&
            carriesvalidchecksum(part(data, iSize512K, iSize512K));

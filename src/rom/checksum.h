@@ -20,7 +20,7 @@ namespace vantorel {
 [[nodiscard]] bool iskickstartsize(size_t size);
 
 /// Whether `data` is a valid Kickstart image: it begins with 0x11, has one of the sizes, and carries a
-/// valid checksum (of 1M: each half its own).
+/// valid checksum (of 1M: each half its own). Shows what `cChecksumData` shows, for each half that is summed.
 [[nodiscard]] bool validrom(View data);
 
 } // namespace vantorel

@@ -27,13 +27,13 @@ struct ContainerType {
     std::array<ContainerPart, 4> parts;
 };
 
-constexpr std::array<ContainerType, 5> cContainerTypes = {{
+constexpr auto cContainerTypes = std::to_array<ContainerType>({
     {"KickItKickstart", {{{"Kickstart", "KICK"}}}},
     {"Kickstart-Disk", {{{"Kickstart", "KICK"}}}},
     {"SuperKickstart", {{{"Kickstart1"}, {"Bonus1"}, {"Kickstart2"}, {"Bonus2"}}}},
     {"Extended/Kickstart", {{{"Kickstart", "KICK"}, {"Extended", "EXTENDED"}}}},
     {"Kickstart/Bonus", {{{"Kickstart", "KICK"}, {"Bonus", "BONUS"}}}},
-}};
+});
 
 // New slots are made for the parts behind the first.
 constexpr uint8_t cNewSlotFill = 255;

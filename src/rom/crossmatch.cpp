@@ -55,18 +55,15 @@ public:
 
     void matchall() {
         for (int32_t number = 0; number < slot.iComponents() && !istoomuch(); ++number)
-            if (component(number).pcLibString) lookfor(number);
+            if (slot.component(number).pcLibString) lookfor(number);
         if (istoomuch()) message(kResult, "ERROR: There is too much to compare in other ROMs, leaving off\n");
     }
 
 private:
-    [[nodiscard]] Component& component(int32_t number) {
-        return slot.psComponents[static_cast<size_t>(number)];
-    }
     [[nodiscard]] bool istoomuch() const { return work > iComparedMost; }
 
     void lookfor(int32_t number) {
-        message(kProgress, "Looking for [%s]\n", shown(component(number).pcLibString));
+        message(kProgress, "Looking for [%s]\n", shown(slot.component(number).pcLibString));
         for (int32_t otherrom = 0; otherrom < iMaxRom; ++otherrom) {
             if (otherrom == rom) continue;
             const auto& others = findslot(otherrom)->psComponents;
@@ -84,10 +81,10 @@ private:
         message(kProgress, "Checking component %d:%d [%s] Extract:%p\n", other.rom, other.number,
                 shown(other.component.pcLibString),
                 extract ? static_cast<const void*>(extract->data()) : nullptr);
-        if (!isalike(number, other) || !extract) return false;
-        const int64_t start =
-            int64_t{component(number).iROMTag} - (int64_t{other.component.iROMTag} - other.component.iStart);
-        if (!issame(number, other, start)) return false;
+        if (!comparestrings(number, other) || !extract) return false;
+        const int64_t start = int64_t{slot.component(number).iROMTag} -
+                              (int64_t{other.component.iROMTag} - other.component.iStart);
+        if (!comparebytes(number, other, start)) return false;
         message(kResult, "Perfect match, analysing ROM %d Component %d matches ROM %d Component %d\n", rom,
                 number, other.rom, other.number);
         take(number, other.component, static_cast<int32_t>(start));
@@ -95,8 +92,8 @@ private:
     }
 
     // Whether the first characters of both id strings agree; tells it when they do.
-    bool isalike(int32_t number, const Other& other) {
-        const Text& mine = component(number).pcLibString;
+    bool comparestrings(int32_t number, const Other& other) {
+        const Text& mine = slot.component(number).pcLibString;
         const Text& theirs = other.component.pcLibString;
         if (!theirs || std::strncmp(mine->c_str(), theirs->c_str(), iLikeness) != 0) return false;
         message(kProgress, "12 byte match %lu %lu\n", static_cast<unsigned long>(mine->size()),
@@ -105,7 +102,7 @@ private:
     }
 
     // Whether the image at `start` holds what the other component has an extract of; tells how much of it.
-    bool issame(int32_t number, const Other& other, int64_t start) {
+    bool comparebytes(int32_t number, const Other& other, int64_t start) {
         const View extract = View(*other.component.pcExtract)
                                  .first(std::min(other.component.pcExtract->size(),
                                                  static_cast<size_t>(std::max(other.component.iSize, 0))));
@@ -121,7 +118,7 @@ private:
 
     // All memory is had before the record changes.
     void take(int32_t number, const Component& other, int32_t start) {
-        Component found = component(number);
+        Component found = slot.component(number);
         found.iStart = found.iFixedStart = start;
         found.iSize = other.iSize;
         found.ipRelocs = other.ipRelocs;

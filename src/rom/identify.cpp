@@ -5,24 +5,19 @@
 #include "rom/romtag.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace vantorel {
 
 namespace {
 
-// The marker in the middle of an image made of two of 256K begins so; three bytes of its jump's address
-// follow.
-constexpr int32_t iSplitOffset = iSize256K;
-constexpr int32_t iSplitLength = 8;
-constexpr std::array<uint8_t, 5> cSplitMarker = {0x11, 0x11, 0x4E, 0xF9, 0x00};
+// A Kickity-Split begins so, wherever in the lower half it jumps to.
+constexpr View cSplitMarker = View(cSplit).first(5);
 
 // The vectors, less the first word, which may be damaged without harm.
-constexpr std::array<uint8_t, 14> cVectorTail = {0x00, 0x19, 0x00, 0x1A, 0x00, 0x1B, 0x00,
-                                                 0x1C, 0x00, 0x1D, 0x00, 0x1E, 0x00, 0x1F};
-constexpr int32_t iVectorsLength = 16;
+constexpr View cVectorTail = View(cVectors).subspan(2);
 
 View used(const KickstartRom& slot) { return part(slot.pcROM, 0, slot.iUsed); }
 
@@ -54,7 +49,7 @@ int64_t skiptag(View image, int32_t offset, uint32_t base) {
 }
 
 bool findsplit(const KickstartRom& slot) {
-    if (slot.iSize() != iSize512K || slot.pcROM[0] != 0x11) return false;
+    if (slot.iSize() != iSize512K || slot.pcROM[0] != RomHeader::cFirstByte) return false;
     const bool found = holds(slot.pcROM, iSplitOffset, cSplitMarker);
     if (found)
         message(kProgress, "Virtual component: Kickity-split\n");
@@ -106,8 +101,8 @@ FixedStructures findfixedstructures(const KickstartRom& slot) {
 
 namespace {
 
-Component fixedcomponent(const char* type, int32_t start, int32_t size, std::string hash) {
-    message(kResult, "Extra component: %s\n", type);
+Component fixedcomponent(std::string_view type, int32_t start, int32_t size, std::string hash) {
+    message(kResult, "Extra component: %s\n", type.data());
     Component component;
     component.pcName = type;
     component.pcType = type;
@@ -171,8 +166,8 @@ void addfixedstructures(KickstartRom& slot, const FixedStructures& fixed) {
                                             formatted("0x%08x", fixed.iInternalSize)));
     if (fixed.hasvectors) {
         const int32_t start = slot.iUsed - iVectorsFromEnd;
-        components.push_back(fixedcomponent(cTypeVectors, start, iVectorsLength,
-                                            hexof(part(slot.pcROM, start, iVectorsLength))));
+        components.push_back(fixedcomponent(cTypeVectors, start, iVectorsFromEnd,
+                                            hexof(part(slot.pcROM, start, iVectorsFromEnd))));
         components.back().iFixedEnd = slot.iUsed;
     }
 }

@@ -24,6 +24,24 @@ Bytes byteswapped(View data) {
     return swapped;
 }
 
+size_t takewords(View from, size_t start, std::span<uint8_t> to) {
+    const size_t whole = from.size() / 4;
+    for (size_t i = 0; i < whole; ++i)
+        std::memcpy(to.data() + 2 * i, from.data() + 4 * i + start, 2);
+    size_t count = 2 * whole;
+    const size_t rest = 4 * whole + start;
+    for (size_t at = rest; at < std::min(rest + 2, from.size()); ++at)
+        to[count++] = from[at];
+    return count;
+}
+
+void interleavewords(View high, View low, uint8_t* to) {
+    for (size_t i = 0; i + 1 < high.size(); i += 2, to += 4) {
+        std::memcpy(to, high.data() + i, 2);
+        std::memcpy(to + 2, low.data() + i, 2);
+    }
+}
+
 bool isdoubled(View data) {
     const size_t half = data.size() / 2;
     return data.size() % 2 == 0 && std::ranges::equal(data.first(half), data.last(half));
@@ -31,16 +49,10 @@ bool isdoubled(View data) {
 
 void deinterleaveCD32(Bytes& data) {
     constexpr size_t quarter = iSize1M / 4;
-    const Bytes file(data.begin(), data.begin() + iSize1M);
-    for (size_t half = 0; half < 2; ++half) {
-        const auto high = file.begin() + static_cast<std::ptrdiff_t>(half * quarter);
-        const auto low = high + static_cast<std::ptrdiff_t>(2 * quarter);
-        auto target = data.begin() + static_cast<std::ptrdiff_t>(half * 2 * quarter);
-        for (std::ptrdiff_t word = 0; word < static_cast<std::ptrdiff_t>(quarter); word += 2) {
-            target = std::copy_n(high + word, 2, target);
-            target = std::copy_n(low + word, 2, target);
-        }
-    }
+    const Bytes bytes(data.begin(), data.begin() + iSize1M);
+    const View file = bytes;
+    interleavewords(file.first(quarter), file.subspan(2 * quarter, quarter), data.data());
+    interleavewords(file.subspan(quarter, quarter), file.last(quarter), data.data() + 2 * quarter);
 }
 
 } // namespace vantorel

@@ -74,13 +74,10 @@ public:
     }
 
 private:
-    [[nodiscard]] Component& component(int32_t number) {
-        return slot.psComponents[static_cast<size_t>(number)];
-    }
     [[nodiscard]] bool istoomuch() const { return work > iTriedMost; }
 
     void lookfor(int32_t number) {
-        const Component& wanted = component(number);
+        const Component& wanted = slot.component(number);
         if (wanted.pcHash) {
             message(kProgress, "Skipping complete component %d %s\n", number, shown(wanted.pcName));
             return;
@@ -109,7 +106,7 @@ private:
             return false;
         }
         work += static_cast<int64_t>(ini->pcBuffer.size());
-        Component candidate = component(number);
+        Component candidate = slot.component(number);
         if (!describe(*ini, slot, candidate)) {
             message(kProgress, "[WONTFIT] We will ignore this\n");
             return false;

@@ -3,16 +3,19 @@
 #include "base/message.h"
 #include "hash/crc32.h"
 #include "rom/checksum.h"
-#include "rom/store.h"
 
 namespace vantorel {
+
+std::string slotsummary(const KickstartRom& slot) {
+    return formatted("ROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", slot.iROMBase, slot.iCRC32, slot.iUsed,
+                     slot.iSize(), slot.iSize() / 1024);
+}
 
 int32_t roms(int32_t current) {
     message(kResult, "ROMS:\n");
     for (int32_t i = 0; i < iMaxRom; ++i) {
         const KickstartRom& slot = psKickstartRoms[static_cast<size_t>(i)];
-        message(kResult, "ROM%2d%cROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", i, i == current ? '*' : ' ',
-                slot.iROMBase, slot.iCRC32, slot.iUsed, slot.iSize(), slot.iSize() / 1024);
+        message(kResult, "ROM%2d%c%s", i, i == current ? '*' : ' ', slotsummary(slot).c_str());
     }
     return iMaxRom;
 }
@@ -52,8 +55,7 @@ void listcomponent(int32_t number, const Component& c) {
 int32_t rom(int32_t n) {
     const KickstartRom* slot = findslot(n);
     if (slot == nullptr) return -1;
-    message(kResult, "ROM %2d ROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n", n, slot->iROMBase, slot->iCRC32,
-            slot->iUsed, slot->iSize(), slot->iSize() / 1024);
+    message(kResult, "ROM %2d %s", n, slotsummary(*slot).c_str());
     message(kResult, "%s\n", shown(slot->pcTitle));
     const auto& components = slot->psComponents;
     if (!components.empty() && components[0].iStart != 0) listgap(components[0].iStart);

@@ -1,9 +1,16 @@
 #pragma once
 // The listings of slots and components.
 
+#include "rom/store.h"
+
 #include <cstdint>
+#include <string>
 
 namespace vantorel {
+
+/// What a line of `slot` tells behind its number, in the form
+/// "ROMBase:%08x CRC32:0x%08x (%d of %d/%dk)\n".
+[[nodiscard]] std::string slotsummary(const KickstartRom& slot);
 
 /// Lists every slot, marking `current`. Returns how many were listed.
 int32_t roms(int32_t current);

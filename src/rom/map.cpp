@@ -25,10 +25,9 @@ namespace vantorel {
 namespace {
 
 // The type words of component lines, in the order in which they are tried.
-constexpr std::array<std::string_view, 12> cTypeWords = {
-    cTypeLibrary, "Device",  "ROMHeader",  cTypeKickitySplit,  cTypeChecksum,   "BadData",
-    cTypeData,    cTypeSize, cTypeVectors, "Loadable Library", "Kickstart ROM", "Extended ROM",
-};
+constexpr auto cTypeWords = std::to_array<std::string_view>(
+    {cTypeLibrary, "Device", "ROMHeader", cTypeKickitySplit, cTypeChecksum, "BadData", cTypeData, cTypeSize,
+     cTypeVectors, "Loadable Library", "Kickstart ROM", "Extended ROM"});
 
 // A burner that fills a larger chip repeats the image.
 View withoutoverburn(View data) {
@@ -152,7 +151,7 @@ private:
     Component readline(int32_t number, const char* line) {
         if (*line == '\0') return {};
         const auto parts = splitline(line);
-        if (!parts || !isadmitted(number, *parts)) return {};
+        if (!parts || !admit(number, *parts)) return {};
         Component component;
         component.pcName = parts->name;
         component.iStart = component.iFixedStart = parts->start;
@@ -189,7 +188,7 @@ private:
 
     // Whether the range lies in the image, and the map claims no more of it than a sound one; an error line
     // when not.
-    bool isadmitted(int32_t number, const MapLine& parts) {
+    bool admit(int32_t number, const MapLine& parts) {
         if (!isinside(slot.pcROM, parts.start, parts.size)) {
             message(kResult, "ERROR: Component %d (%s) does not fit in its image\n", number,
                     parts.name.c_str());

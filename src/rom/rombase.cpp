@@ -12,16 +12,16 @@ namespace vantorel {
 namespace {
 
 // Whether component `number` can follow its ROM; an error line when not.
-bool ismovable(const KickstartRom& slot, int32_t number) {
-    const Component& component = slot.psComponents[static_cast<size_t>(number)];
+bool requiremovable(const KickstartRom& slot, int32_t number) {
+    const Component& component = slot.component(number);
     if (component.ipRelocs.empty()) return true;
     const auto isin = [&](int32_t reloc) { return requireinside(reloc, component.iSize); };
     return requirefit(slot, number) && std::ranges::all_of(component.ipRelocs, isin);
 }
 
-bool aremovable(const KickstartRom& slot) {
+bool requiremovable(const KickstartRom& slot) {
     for (int32_t number = 0; number < slot.iComponents(); ++number)
-        if (!ismovable(slot, number)) return false;
+        if (!requiremovable(slot, number)) return false;
     return true;
 }
 
@@ -29,14 +29,14 @@ bool aremovable(const KickstartRom& slot) {
 void completeextracts(int32_t rom) {
     const KickstartRom& slot = *findslot(rom);
     for (int32_t number = 0; number < slot.iComponents(); ++number)
-        if (!slot.psComponents[static_cast<size_t>(number)].ipRelocs.empty()) requireextract(rom, number);
+        if (!slot.component(number).ipRelocs.empty()) requireextract(rom, number);
 }
 
 void repatch(KickstartRom& slot) {
     message(kResult, "Changing ROMBase, need to repatch components in ROM\n");
     int32_t counter = 0;
     for (int32_t number = 0; number < slot.iComponents(); ++number) {
-        const Component& component = slot.psComponents[static_cast<size_t>(number)];
+        const Component& component = slot.component(number);
         if (component.ipRelocs.empty()) continue;
         message(kResult, "Repatching [%d] %s\n", counter, shown(component.pcLibString));
         patchrelocs(slot, number);
@@ -52,7 +52,7 @@ void repatch(KickstartRom& slot) {
 
 int rombase(int32_t rom, const std::string& text) {
     KickstartRom* slot = requireslot(rom);
-    if (slot == nullptr || !aremovable(*slot)) return 1;
+    if (slot == nullptr || !requiremovable(*slot)) return 1;
     completeextracts(rom);
     slot->iROMBase = atoiorhex(text.c_str());
     message(kResult, "ROMBase set to %08x\n", slot->iROMBase);

@@ -3,6 +3,7 @@
 #include "base/message.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace vantorel {
@@ -55,12 +56,8 @@ void narrateautoinit(View image, uint32_t table, uint32_t base) {
 }
 
 void narratefields(View tag, const RomTagInfo& info) {
-    const uint8_t flags = info.cFlags;
     message(kTrace, "Endskip=%d ", info.iEndSkip);
-    message(kTrace, "Flags: %02x %s%s%s%s ", flags, (flags & RomTag::cColdStart) != 0 ? "COLDSTART " : "",
-            (flags & RomTag::cSingleTask) != 0 ? "SINGLETASK " : "",
-            (flags & RomTag::cAfterDos) != 0 ? "AFTERDOS " : "",
-            (flags & RomTag::cAutoInit) != 0 ? "AUTOINIT " : "");
+    message(kTrace, "Flags: %02x %s ", info.cFlags, flagnames(info.cFlags, ' ').c_str());
     message(kTrace, "Version: %d ", tag[RomTag::iVersion]);
     message(kTrace, "Type: %d ", tag[RomTag::iType]);
     message(kTrace, "Priority: %d\n", static_cast<int8_t>(tag[RomTag::iPri]));
@@ -129,6 +126,29 @@ std::optional<RomTagInfo> findromtag(View image, int32_t from, int32_t to, uint3
                 romBase, *base, static_cast<int32_t>(*base));
     }
     return std::nullopt;
+}
+
+namespace {
+
+struct FlagName {
+    uint8_t bit;
+    const char* name;
+};
+
+constexpr auto cFlagNames = std::to_array<FlagName>({
+    {RomTag::cColdStart, "COLDSTART"},
+    {RomTag::cSingleTask, "SINGLETASK"},
+    {RomTag::cAfterDos, "AFTERDOS"},
+    {RomTag::cAutoInit, "AUTOINIT"},
+});
+
+} // namespace
+
+std::string flagnames(uint8_t flags, char behind) {
+    std::string names;
+    for (const FlagName& flag : cFlagNames)
+        if ((flags & flag.bit) != 0) (names += flag.name) += behind;
+    return names;
 }
 
 } // namespace vantorel

@@ -54,4 +54,7 @@ struct RomTagInfo {
 /// another base is warned about and passed over. Narrates what it reads above level 5.
 [[nodiscard]] std::optional<RomTagInfo> findromtag(View image, int32_t from, int32_t to, uint32_t& romBase);
 
+/// The names of the bits that are set in RT_FLAGS `flags`, in ascending order, with `behind` behind each.
+[[nodiscard]] std::string flagnames(uint8_t flags, char behind);
+
 } // namespace vantorel

@@ -13,7 +13,7 @@ namespace vantorel {
 
 namespace {
 
-std::optional<FileContents> openpart(const std::string& path) {
+std::optional<FileContents> readdump(const std::string& path) {
     message(kTrace, "Opening %s\n", path.c_str());
     // Two of them have to make an image.
     if (const InputFile file(path); file.size() > iFileSizeMax / 2) {
@@ -34,13 +34,13 @@ struct Pair {
 
 // Reads both dumps; none, and a message, when they cannot make an image.
 std::optional<Pair> readpair(const std::string& path1, const std::string& path2) {
-    auto first = openpart(path1);
+    auto first = readdump(path1);
     if (!first) return std::nullopt;
     if (first->iExpected == 0) {
         message(kResult, "ERROR: %s is zero bytes long\n", path2.c_str());
         return std::nullopt;
     }
-    auto second = openpart(path2);
+    auto second = readdump(path2);
     if (!second) return std::nullopt;
     if (!first->iscomplete() || !second->iscomplete() || first->bytes.size() != second->bytes.size()) {
         message(kResult, "ERROR: Incomplete read or files are different sizes, can't merge them\n");
@@ -58,24 +58,19 @@ struct WordOrder {
     bool swapped;
 };
 
-constexpr std::array<WordOrder, 4> cWordOrders = {{
+constexpr auto cWordOrders = std::to_array<WordOrder>({
     {"Lets try Lo+Hi, not byteswapped\n", false, false},
     {"Checksum invalid... we should discard this and try Lo+Hi, byteswapped\n", false, true},
     {"Checksum invalid... we should discard this and try Hi+Lo\n", true, false},
     {"Checksum invalid... we should discard this and try Hi+Lo, byteswapped\n", true, true},
-}};
+});
 
 Bytes mergewords(const Pair& dumps, const WordOrder& order) {
     const Bytes& high = order.secondfirst ? dumps.second : dumps.first;
     const Bytes& low = order.secondfirst ? dumps.first : dumps.second;
-    const size_t near = order.swapped ? 1 : 0;
     Bytes image(2 * high.size());
-    for (size_t i = 0; i + 1 < high.size(); i += 2) {
-        image[2 * i] = high[i + near];
-        image[2 * i + 1] = high[i + 1 - near];
-        image[2 * i + 2] = low[i + near];
-        image[2 * i + 3] = low[i + 1 - near];
-    }
+    interleavewords(high, low, image.data());
+    if (order.swapped) swapbytes(image);
     return image;
 }
 

@@ -19,24 +19,17 @@ KickstartRom* requireslot(int32_t rom) {
     return slot;
 }
 
-namespace {
-
-Component* recordof(KickstartRom& slot, int32_t component) {
-    if (component < 0 || component >= slot.iComponents()) return nullptr;
-    return &slot.psComponents[static_cast<size_t>(component)];
-}
-
-} // namespace
-
 Component* findrecord(int32_t rom, int32_t component) {
     KickstartRom* slot = findslot(rom);
-    return slot != nullptr ? recordof(*slot, component) : nullptr;
+    if (slot == nullptr || component < 0 || component >= slot->iComponents()) return nullptr;
+    return &slot->component(component);
 }
 
-Component* requirecomponent(KickstartRom& slot, int32_t component) {
-    if (Component* record = recordof(slot, component)) return record;
-    message(kResult, "ERROR: No such component\n");
-    return nullptr;
+Component* requirerecord(int32_t rom, int32_t component) {
+    if (requireslot(rom) == nullptr) return nullptr;
+    Component* record = findrecord(rom, component);
+    if (record == nullptr) message(kResult, "ERROR: No such component\n");
+    return record;
 }
 
 int32_t newrom(int32_t size, uint8_t fill) {
@@ -69,9 +62,7 @@ int32_t getromdata(int32_t rom, RomData& record) {
     if (rom == -1) return iMaxRom;
     const KickstartRom* slot = findslot(rom);
     if (slot == nullptr) return -1;
-    constexpr size_t titlemax = 127;
-    record = {slot->iComponents(), slot->iSize(), slot->iROMBase,
-              std::string(shown(slot->pcTitle)).substr(0, titlemax)};
+    record = {slot->iComponents(), slot->iSize(), slot->iROMBase, cut(shown(slot->pcTitle), iRecordText)};
     return rom;
 }
 
@@ -95,7 +86,7 @@ void freecomponents(int32_t rom) {
     if (slot == nullptr) return;
     message(kAlways, "Freeing psComponents [%p]\n", static_cast<const void*>(slot->psComponents.data()));
     for (int32_t number = 0; number < slot->iComponents(); ++number)
-        narratefreeing(number, slot->psComponents[static_cast<size_t>(number)]);
+        narratefreeing(number, slot->component(number));
     slot->psComponents = {};
 }
 

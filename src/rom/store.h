@@ -4,22 +4,24 @@
 #include "base/bytes.h"
 #include "base/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vantorel {
 
 // The type words of components. `rom/map.cpp` holds the full list that hash files may use.
-inline constexpr const char* cTypeKickitySplit = "Kickity-Split";
-inline constexpr const char* cTypeLibrary = "Library";
-inline constexpr const char* cTypeChecksum = "Checksum";
-inline constexpr const char* cTypeSize = "Size";
-inline constexpr const char* cTypeVectors = "Vectors";
-inline constexpr const char* cTypeData = "Data";
-inline constexpr const char* cTypeUnknown = "Unknown";
+inline constexpr std::string_view cTypeKickitySplit = "Kickity-Split";
+inline constexpr std::string_view cTypeLibrary = "Library";
+inline constexpr std::string_view cTypeChecksum = "Checksum";
+inline constexpr std::string_view cTypeSize = "Size";
+inline constexpr std::string_view cTypeVectors = "Vectors";
+inline constexpr std::string_view cTypeData = "Data";
+inline constexpr std::string_view cTypeUnknown = "Unknown";
 
 /// A byte range of an image and what is known of it. A record as it is made here, all texts absent, is a
 /// blank component: operations on every component pass over it in silence.
@@ -42,13 +44,15 @@ struct Component {
     /// First byte behind the component, an image offset, wide enough for any record.
     [[nodiscard]] int64_t iEnd() const { return int64_t{iStart} + iSize; }
     [[nodiscard]] bool isblank() const { return !pcName && !pcType; }
+    /// Whether both bounds are known for certain.
+    [[nodiscard]] bool isverified() const { return iFixedStart >= 0 && iFixedEnd >= 0; }
 };
 
 /// More components than any ROM has: a map of more is damage, and working on it would take out of all
 /// proportion.
 inline constexpr int32_t iComponentsMost = 4096;
 
-/// One slot. The stored checksum is the long at `iSize` - 24, the internal size the long at `iSize` - 20.
+/// One slot. `rom/header.h` tells where its image keeps what.
 struct KickstartRom {
     Bytes pcROM;                         ///< the image
     int32_t iUsed = 0;                   ///< bytes of the image that hold loaded data
@@ -61,6 +65,11 @@ struct KickstartRom {
 
     [[nodiscard]] int32_t iSize() const { return static_cast<int32_t>(pcROM.size()); }
     [[nodiscard]] int32_t iComponents() const { return static_cast<int32_t>(psComponents.size()); }
+    /// The record of a component that exists.
+    [[nodiscard]] Component& component(int32_t number) { return psComponents[static_cast<size_t>(number)]; }
+    [[nodiscard]] const Component& component(int32_t number) const {
+        return psComponents[static_cast<size_t>(number)];
+    }
 };
 
 inline constexpr int32_t iRomSlots = 20;
@@ -81,8 +90,15 @@ extern int32_t iCurrentROM;
 /// The record of component `component` of slot `rom`, or null when there is none. Silent.
 [[nodiscard]] Component* findrecord(int32_t rom, int32_t component);
 
-/// The record of component `component` of `slot`, or null with "ERROR: No such component".
-[[nodiscard]] Component* requirecomponent(KickstartRom& slot, int32_t component);
+/// The same; null with the line of `requireslot`, or with "ERROR: No such component".
+[[nodiscard]] Component* requirerecord(int32_t rom, int32_t component);
+
+/// The number of the first component of `slot` for which `is` is true; -1 when there is none.
+template <class Predicate>
+[[nodiscard]] int32_t findnumber(const KickstartRom& slot, Predicate is) {
+    const auto found = std::ranges::find_if(slot.psComponents, is);
+    return found == slot.psComponents.end() ? -1 : static_cast<int32_t>(found - slot.psComponents.begin());
+}
 
 /// Makes an empty ROM of `size` bytes (0 or more), each holding `fill`, in the next slot.
 /// Returns the slot, or -1 with a message when all are used. `iCurrentROM` is left alone.
@@ -99,7 +115,7 @@ struct RomData {
     int32_t iComponents = 0;
     int32_t iSize = 0; ///< bytes
     uint32_t iROMBase = 0;
-    std::string cTitle; ///< at most 127 characters
+    std::string cTitle; ///< at most `iRecordText` characters
 };
 
 /// Fills `record` for slot `rom` and returns `rom`; returns `iMaxRom` for -1 and -1 for any other slot not in

@@ -41,12 +41,12 @@ struct AliasForm {
     void (*run)();
 };
 
-constexpr std::array<AliasForm, 4> cAliasForms = {{
+constexpr auto cAliasForms = std::to_array<AliasForm>({
     {"add", add},
     {"subtract", subtract},
     {"mid", mid},
     {"romdata", romdata},
-}};
+});
 
 } // namespace
 

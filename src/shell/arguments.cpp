@@ -29,6 +29,13 @@ std::optional<int32_t> numberargument(int32_t n) {
     return value;
 }
 
+std::optional<int32_t> requirenumber(int32_t n, const char* missing, const char* malformed) {
+    if (!require(n, missing)) return std::nullopt;
+    if (isnumber(n)) return numberargument(n);
+    message(kResult, "%s", malformed);
+    return std::nullopt;
+}
+
 std::optional<int32_t> countargument(int32_t n) {
     const auto value = numberargument(n);
     if (!value || *value >= 0) return value;

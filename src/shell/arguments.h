@@ -24,10 +24,14 @@ namespace vantorel {
 /// does not fit 32 signed bits.
 [[nodiscard]] std::optional<int32_t> numberargument(int32_t n);
 
-/// The same for what counts or measures: a negative one is refused too.
+/// The decimal number of argument `n`, which a command cannot do without: `missing` is printed when it is not
+/// given, `malformed` when it is not all decimal digits. None then, and as above when it does not fit.
+[[nodiscard]] std::optional<int32_t> requirenumber(int32_t n, const char* missing, const char* malformed);
+
+/// The same as `numberargument` for what counts or measures: a negative one is refused too.
 [[nodiscard]] std::optional<int32_t> countargument(int32_t n);
 
-/// The same, also hexadecimal behind "0x", which wraps at 32 bits.
+/// The same as `countargument`, also hexadecimal behind "0x", which wraps at 32 bits.
 [[nodiscard]] std::optional<uint32_t> offsetargument(int32_t n);
 
 /// The slot that argument `n` names: the current ROM when it is absent or no number. None, and an error line,

@@ -16,7 +16,7 @@ namespace vantorel {
 
 namespace {
 
-constexpr std::array<Command, 40> cCommands = {{
+constexpr auto cCommands = std::to_array<Command>({
     {"help", "", command::help},
     {"editcomponent", "COMPONENT start=N | end=N | addrelocs | addreloc N | deletereloc N",
      command::editcomponent},
@@ -60,7 +60,7 @@ constexpr std::array<Command, 40> cCommands = {{
     {"reset", "[roms] [aliases] [auditfiles] [hashes]", command::reset},
     {"roms", "", command::roms},
     {"echo", "[WORD]...", command::echo},
-}};
+});
 
 // The first token is in lower case by now.
 void dispatch() {

@@ -85,23 +85,19 @@ struct EditAction {
     void (*run)(int32_t component);
 };
 
-constexpr std::array<EditAction, 5> cEditActions = {{
+constexpr auto cEditActions = std::to_array<EditAction>({
     {cStart, editstart},
     {cEnd, editend},
     {"addrelocs", editaddrelocs},
     {"addreloc", editaddreloc},
     {"deletereloc", editdeletereloc},
-}};
+});
 
 } // namespace
 
 void editcomponent() {
-    if (!require(1, "ERROR, please give the component to edit\n")) return;
-    if (!isnumber(1)) {
-        message(kResult, "ERROR, please give the number of the component\n");
-        return;
-    }
-    const auto component = numberargument(1);
+    const auto component = requirenumber(1, "ERROR, please give the component to edit\n",
+                                         "ERROR, please give the number of the component\n");
     if (!component) return;
     for (const EditAction& action : cEditActions)
         if (startswithnocase(argument(2), action.word)) return action.run(*component);
@@ -118,12 +114,12 @@ struct AddAction {
     const char* trace;
 };
 
-constexpr std::array<AddAction, 4> cAddActions = {{
+constexpr auto cAddActions = std::to_array<AddAction>({
     {"kickity-split", addkickitysplit, "Add kickity-split"},
     {"checksum", addchecksum, "Add checksum"},
     {"size", addsize, "Add size"},
     {"vectors", addvectors, "Add vectors"},
-}};
+});
 
 void addblock() {
     const auto bytes = numberargument(1);
@@ -160,12 +156,9 @@ void add() {
 }
 
 void deletecomponent() {
-    if (!require(1, "ERROR, what do you want to add?\n")) return;
-    if (!isnumber(1)) {
-        message(kResult, "Please supply the component number to delete\n");
-        return;
-    }
-    if (const auto component = numberargument(1)) vantorel::deletecomponent(iCurrentROM, *component);
+    const auto component = requirenumber(1, "ERROR, what do you want to add?\n",
+                                         "Please supply the component number to delete\n");
+    if (component) vantorel::deletecomponent(iCurrentROM, *component);
 }
 
 namespace {
@@ -217,8 +210,8 @@ void savecomponenthash() { savecomponents(cHashSaver); }
 void savecomponent() { savecomponents(cFileSaver); }
 
 void missassemble() {
-    if (!require(1, "MissAssemble which component?\n") || !isnumber(1)) return;
-    const auto component = numberargument(1);
+    // What is no number is passed over in silence.
+    const auto component = requirenumber(1, "MissAssemble which component?\n", "");
     if (!component) return;
     if (isword(2, "onepass"))
         missassembleComponent(iCurrentROM, *component);
@@ -249,9 +242,8 @@ void deepanalyse(int32_t component, const std::string& other) {
 } // namespace
 
 void analysecomponent() {
-    if (!require(1, "ERROR, please specify component\n")) return;
-    if (!isnumber(1)) return message(kResult, "ERROR, please specify component number\n");
-    const auto component = numberargument(1);
+    const auto component =
+        requirenumber(1, "ERROR, please specify component\n", "ERROR, please specify component number\n");
     if (!component) return;
     const std::string other = argument(2);
     if (other.find(':') != std::string::npos) return deepanalyse(*component, other);

@@ -125,10 +125,9 @@ int32_t patchoffset(const KickstartRom& slot, const std::string& where) {
 
 // The number of the first component that holds image offset `position`; -1 when none does.
 int32_t componentaround(const KickstartRom& slot, int32_t position) {
-    const auto found = std::ranges::find_if(slot.psComponents, [position](const Component& component) {
+    return findnumber(slot, [position](const Component& component) {
         return component.iStart <= position && position < component.iEnd();
     });
-    return found == slot.psComponents.end() ? -1 : static_cast<int32_t>(found - slot.psComponents.begin());
 }
 
 void overwrite(KickstartRom& slot, int32_t position, const Bytes& bytes) {

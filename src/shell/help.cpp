@@ -16,7 +16,7 @@ struct HelpEntry {
     bool onlyidiotmode = false;
 };
 
-constexpr std::array<HelpEntry, 32> cHelp = {{
+constexpr auto cHelp = std::to_array<HelpEntry>({
     {"help\n\n"},
     {"CLI features\n"},
     {" idiotmode\n   Enable debug messages and disable error prevention (now active)\n", true},
@@ -55,7 +55,7 @@ constexpr std::array<HelpEntry, 32> cHelp = {{
     {" savedir dirname\n   Set the location of the save directory, defaults to current dir\n"},
     {" byteswap filename savefile\n   Byteswap a file, useful for burning\n"},
     {" analyse filename\n   Try and identify file, list any details\n\n"},
-}};
+});
 
 } // namespace
 

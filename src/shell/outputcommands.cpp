@@ -25,14 +25,14 @@ struct ProfileWord {
     int32_t type;
 };
 
-constexpr std::array<ProfileWord, 6> cProfileWords = {{
+constexpr auto cProfileWords = std::to_array<ProfileWord>({
     {"single", RomType::iSingle},
     {"dual", RomType::iDual},
     {"cd32", RomType::iCD32},
     {"Superkick.File", RomType::iSuperkickFile},
     {"Superkick.ADF", RomType::iSuperkickADF},
     {"A1000", RomType::iA1000},
-}};
+});
 
 // The layout that argument 1 names, if it names one.
 std::optional<int32_t> profiletype() {
@@ -54,7 +54,7 @@ void romprofile() {
     if (!require(1, "ERROR, please specify the profile type [single|dual|CD32]\n")) return;
     const auto type = profiletype();
     int32_t next = type ? 2 : 1;
-    std::array<int32_t, iProfileSlots> slots = {-1, -1, -1, -1};
+    std::array<int32_t, iProfileSlots> slots = iNoProfile;
     for (int32_t& slot : slots) {
         if (!isgiven(next)) break;
         const auto number = profileslot(next);

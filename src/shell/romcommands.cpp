@@ -26,8 +26,8 @@ struct BaseWord {
     const char* base;
 };
 
-constexpr std::array<BaseWord, 3> cBaseWords = {
-    {{"x20", "0x00200000"}, {"xF8", "0x00F80000"}, {"xFC", "0x00FC0000"}}};
+constexpr auto cBaseWords =
+    std::to_array<BaseWord>({{"x20", "0x00200000"}, {"xF8", "0x00F80000"}, {"xFC", "0x00FC0000"}});
 
 } // namespace
 

@@ -53,12 +53,12 @@ struct ResetWord {
     const char* announcement;
 };
 
-constexpr std::array<ResetWord, 4> cResetWords = {{
+constexpr auto cResetWords = std::to_array<ResetWord>({
     {"roms", true, iResetRoms, kAlways, "RESET ROMs\n"},
     {"aliases", false, iResetAliases, kResult, "RESET Aliases\n"},
     {"auditfiles", false, iResetAuditFiles, kResult, "RESET Auditfiles\n"},
     {"hashes", false, iResetHashes, kResult, "RESET Hashes\n"},
-}};
+});
 
 void resetword(int32_t n) {
     message(kResult, "RESET [%s]\n", argument(n));

@@ -100,11 +100,11 @@ struct BuiltIn {
 
 constexpr uint32_t iKickstartVersion = 12; // the same for every ROM
 
-constexpr std::array<BuiltIn, 3> cBuiltIns = {{
+constexpr auto cBuiltIns = std::to_array<BuiltIn>({
     {"ROMBASE", [](const KickstartRom& slot) { return slot.iROMBase; }},
     {"CALCCHECKSUM", [](const KickstartRom& /*slot*/) { return cChecksum(iCurrentROM); }},
     {"(KICKSTARTVERSION)", [](const KickstartRom& /*slot*/) { return iKickstartVersion; }},
-}};
+});
 
 // One reference may run through several of the names, each where the one before ended.
 bool replacebuiltins(Substitution& line, const KickstartRom& slot) {
@@ -124,7 +124,7 @@ struct Suffix {
     int32_t offset;
 };
 
-constexpr std::array<Suffix, 12> cSuffixes = {{
+constexpr auto cSuffixes = std::to_array<Suffix>({
     {".(START)", &Component::iFixedStart, 0},
     {".(END)", &Component::iFixedEnd, 0},
     {".(ROMTAG)", &Component::iROMTag, 0},
@@ -137,7 +137,7 @@ constexpr std::array<Suffix, 12> cSuffixes = {{
     {".(ROMTAG.NAME)", &Component::iROMTag, RomTag::iName},
     {".(ROMTAG.IDSTRING)", &Component::iROMTag, RomTag::iIdString},
     {".(ROMTAG.INIT)", &Component::iROMTag, RomTag::iInit},
-}};
+});
 
 void replacecomponent(Substitution& line, const Component& component) {
     const size_t name = component.pcName->size();

@@ -6,9 +6,11 @@ namespace vantorel {
 
 namespace {
 
-constexpr std::array<const char*, iTokenSlots> cNoTokens = {cNull, cNull, cNull, cNull, cNull, cNull,
-                                                            cNull, cNull, cNull, cNull, cNull, cNull,
-                                                            cNull, cNull, cNull, cNull};
+constexpr auto cNoTokens = [] {
+    std::array<const char*, iTokenSlots> none{};
+    none.fill(cNull);
+    return none;
+}();
 
 char* skipspaces(char* text) {
     while (*text == ' ')

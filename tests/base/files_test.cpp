@@ -192,7 +192,7 @@ TEST(OutputFile, PiecesFollowEachOther) {
     const TempDir directory;
     OutputFile file(directory.file("out", counted(100)));
     ASSERT_TRUE(file.isopen());
-    EXPECT_GE(file.number(), 0);
+    EXPECT_GE(file.descriptor(), 0);
     file.write(Bytes{1, 2});
     file.write({});
     file.write(Bytes{3});
@@ -205,7 +205,7 @@ TEST(OutputFile, IsClosedOnce) {
     OutputFile file(directory.file("out"));
     EXPECT_TRUE(file.close());
     EXPECT_FALSE(file.isopen());
-    EXPECT_EQ(file.number(), -1);
+    EXPECT_EQ(file.descriptor(), -1);
     EXPECT_FALSE(file.close());
 }
 
@@ -214,7 +214,7 @@ TEST(OutputFile, IsClosedWithTheObject) {
     int number = -1;
     {
         OutputFile file(directory.file("out"));
-        number = file.number();
+        number = file.descriptor();
         file.write(Bytes{1, 2});
     }
     ASSERT_GE(number, 0);
@@ -226,7 +226,7 @@ TEST(OutputFile, ThatIsNotOpenTakesNothing) {
     const TempDir directory;
     OutputFile file(directory.path());
     EXPECT_FALSE(file.isopen());
-    EXPECT_EQ(file.number(), -1);
+    EXPECT_EQ(file.descriptor(), -1);
     file.write(Bytes{1, 2});
     EXPECT_FALSE(file.close());
 }

@@ -26,6 +26,14 @@ TEST(Formatted, ShortAndLongTextsComeWhole) {
 
 TEST(Formatted, NothingToPrintIsAnEmptyText) { EXPECT_EQ(formatted("%s", ""), ""); }
 
+TEST(Cut, ATextIsAsLongAsItMayBe) {
+    EXPECT_EQ(cut("kickstart", 4), "kick");
+    EXPECT_EQ(cut("kick", 4), "kick");
+    EXPECT_EQ(cut("kic", 4), "kic");
+    EXPECT_EQ(cut("", 4), "");
+    EXPECT_EQ(cut("kick", 0), "");
+}
+
 TEST(JoinPath, ASlashStandsBetweenDirectoryAndName) {
     EXPECT_EQ(joinpath("a/b", "c"), "a/b/c");
     EXPECT_EQ(joinpath("", "c"), "/c");

@@ -40,9 +40,10 @@ const std::vector<Sizes> cSizes = {
     {512 * iK, 256 * iK, iAbsent, iAbsent},
     {256 * iK, 512 * iK, iAbsent, iAbsent},
     {512 * iK, iAbsent, 512 * iK, iAbsent},
-    // The second MiB of a CD32: whole, short, in the wrong place, absent, empty.
+    // The second MiB of a CD32: whole, short, of odd length, in the wrong place, absent, empty.
     {512 * iK, 512 * iK, iAbsent, 1024 * iK},
     {512 * iK, 512 * iK, iAbsent, 100},
+    {512 * iK, 512 * iK, iAbsent, 101},
     {512 * iK, 512 * iK, iAbsent, 2},
     {512 * iK, 512 * iK, iAbsent, 2048 * iK},
     {512 * iK, 512 * iK, 1024 * iK, iAbsent},

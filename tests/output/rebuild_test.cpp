@@ -2,6 +2,7 @@
 
 #include "build/virtualcomponents.h"
 #include "component/addlibrary.h"
+#include "component/placement.h"
 #include "component/savecomponent.h"
 #include "hash/writer.h"
 #include "output/saverom.h"

@@ -24,6 +24,41 @@ TEST(Layout, ByteswapTwiceIsTheImage) {
     EXPECT_EQ(vantorel::byteswapped(vantorel::byteswapped(image)), image);
 }
 
+// Every second word of `from`, as `takewords` writes them over 0xEE.
+Bytes wordsof(const Bytes& from, size_t start) {
+    Bytes to(4, 0xEE);
+    to.resize(takewords(from, start, to));
+    return to;
+}
+
+TEST(Layout, EverySecondWordIsTakenFromEitherStart) {
+    const Bytes from = {1, 2, 3, 4, 5, 6, 7, 8};
+    EXPECT_EQ(wordsof(from, 0), (Bytes{1, 2, 5, 6}));
+    EXPECT_EQ(wordsof(from, 2), (Bytes{3, 4, 7, 8}));
+}
+
+TEST(Layout, TheLastWordTakenMayBeCutShortOrMissing) {
+    EXPECT_EQ(wordsof({1, 2, 3, 4, 5, 6, 7}, 0), (Bytes{1, 2, 5, 6}));
+    EXPECT_EQ(wordsof({1, 2, 3, 4, 5, 6, 7}, 2), (Bytes{3, 4, 7}));
+    EXPECT_EQ(wordsof({1, 2, 3, 4, 5}, 0), (Bytes{1, 2, 5}));
+    EXPECT_EQ(wordsof({1, 2, 3, 4, 5}, 2), (Bytes{3, 4}));
+    EXPECT_EQ(wordsof({}, 2), Bytes{});
+}
+
+TEST(Layout, TheWordsOfTwoSourcesAreLaidInTurn) {
+    Bytes to(8);
+    interleavewords(Bytes{1, 2, 3, 4}, Bytes{5, 6, 7, 8}, to.data());
+    EXPECT_EQ(to, (Bytes{1, 2, 5, 6, 3, 4, 7, 8}));
+}
+
+TEST(Layout, OddLastBytesOfTwoSourcesAreNotLaid) {
+    Bytes to(6, 0xEE);
+    interleavewords(Bytes{1, 2, 3}, Bytes{5, 6, 7}, to.data());
+    EXPECT_EQ(to, (Bytes{1, 2, 5, 6, 0xEE, 0xEE}));
+    interleavewords({}, {}, to.data());
+    EXPECT_EQ(to, (Bytes{1, 2, 5, 6, 0xEE, 0xEE}));
+}
+
 // Each word of the file tells its quarter (top two bits) and its number there.
 Bytes numberedquarters() {
     Bytes file;

@@ -323,5 +323,15 @@ TEST_F(RomTagTest, AFalseMatchWordIsTracedButNotRead) {
     EXPECT_EQ(trace(), "FINDINGROMTAG from 0 to 1024 in * ROMBase=00000000\nFound TAG at 100\n");
 }
 
+TEST(RomTagFlags, EachBitWithANameIsNamed) {
+    EXPECT_EQ(flagnames(0x00, ' '), "");
+    EXPECT_EQ(flagnames(0x01, ' '), "COLDSTART ");
+    EXPECT_EQ(flagnames(0x02, ' '), "SINGLETASK ");
+    EXPECT_EQ(flagnames(0x04, '|'), "AFTERDOS|");
+    EXPECT_EQ(flagnames(0x80, '|'), "AUTOINIT|");
+    EXPECT_EQ(flagnames(0x78, '|'), "") << "bits without a name";
+    EXPECT_EQ(flagnames(0xFF, '|'), "COLDSTART|SINGLETASK|AFTERDOS|AUTOINIT|");
+}
+
 } // namespace
 } // namespace vantorel::test

@@ -68,6 +68,38 @@ TEST_F(StoreTest, SlotsAreBoundedAtBothEnds) {
     EXPECT_EQ(findslot(-2147483647 - 1), nullptr);
 }
 
+TEST_F(StoreTest, ARecordIsRequiredOfASlotAndAComponent) {
+    newrom(16, 0);
+    slotat(0).psComponents.resize(2);
+    Component* record = nullptr;
+    const auto told = [&](int32_t rom, int32_t component) {
+        return at(1, [&] { record = requirerecord(rom, component); });
+    };
+    EXPECT_EQ(told(0, 1), "");
+    EXPECT_EQ(record, &slotat(0).psComponents[1]);
+    for (const int32_t component : {-1, 2}) {
+        EXPECT_EQ(told(0, component), "ERROR: No such component\n");
+        EXPECT_EQ(record, nullptr);
+    }
+    for (const int32_t rom : {-1, 1}) {
+        EXPECT_EQ(told(rom, 0), "ERROR, No current ROM\n");
+        EXPECT_EQ(record, nullptr);
+    }
+}
+
+TEST_F(StoreTest, TheFirstOfSeveralComponentsIsFound) {
+    KickstartRom slot;
+    const auto ofsize = [](int32_t size) {
+        return [size](const Component& component) { return component.iSize == size; };
+    };
+    EXPECT_EQ(findnumber(slot, ofsize(0)), -1);
+    slot.psComponents.resize(4);
+    slot.psComponents[1].iSize = slot.psComponents[3].iSize = 8;
+    EXPECT_EQ(findnumber(slot, ofsize(0)), 0);
+    EXPECT_EQ(findnumber(slot, ofsize(8)), 1);
+    EXPECT_EQ(findnumber(slot, ofsize(9)), -1);
+}
+
 TEST_F(StoreTest, RomnameReplacesTheTitleAndSaysSo) {
     newrom(16, 0);
     int result = 1;

@@ -89,6 +89,23 @@ TEST_F(Arguments, ANumberMayBeNegativeAbsentOrNone) {
     EXPECT_TRUE(isrefused(numberargument));
 }
 
+TEST_F(Arguments, ARequiredNumberIsGivenInDigitsAndFits) {
+    const auto read = [](int32_t n) {
+        return requirenumber(n, "ERROR, 100% missing\n", "ERROR, 100% bad\n");
+    };
+    give("command 12");
+    EXPECT_EQ(silently(read), 12);
+    give(std::string("command ") + cTooLarge);
+    EXPECT_TRUE(isrefused(read));
+    const auto refusal = [&](const char* text) {
+        give(text);
+        return captured([&] { EXPECT_EQ(read(1), std::nullopt) << text; });
+    };
+    EXPECT_EQ(refusal("command"), "ERROR, 100% missing\n");
+    EXPECT_EQ(refusal("command -1"), "ERROR, 100% bad\n");
+    EXPECT_EQ(refusal("command 12x"), "ERROR, 100% bad\n");
+}
+
 TEST_F(Arguments, ACountIsNeverNegative) {
     give("command 2147483647");
     EXPECT_EQ(silently(countargument), 2147483647);

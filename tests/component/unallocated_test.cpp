@@ -1,8 +1,11 @@
 // Blocks of fill bytes, which go where they first fit.
 
-#include "build/virtualcomponents.h"
 #include "component/placement.h"
+
+#include "build/virtualcomponents.h"
 #include "rom/romtest.h"
+
+#include <cstdint>
 
 namespace vantorel::test {
 
@@ -97,6 +100,14 @@ TEST_F(Unallocated, WhatIsLargerThanTheImageIsRefused) {
     }
     EXPECT_EQ(slotat(0).iComponents(), 0);
     EXPECT_EQ(slotat(0).pcROM, Bytes(iEmptySize, 0));
+}
+
+TEST_F(Unallocated, SlotsThatDoNotExistAreRefused) {
+    for (const int32_t rom : {-1, 1, 20, INT32_MIN}) {
+        int result = 0;
+        EXPECT_EQ(captured([&] { result = addunallocated(rom, 4, 0); }), "ERROR, invalid ROM\n");
+        EXPECT_EQ(result, -1);
+    }
 }
 
 TEST_F(Unallocated, TheWholeImageCanBeTaken) {
