@@ -167,12 +167,11 @@ void Gatherer::addbcpl(const Component& component) {
 }
 
 void Gatherer::addsection(const IniFile& ini, int32_t section, int32_t start) {
-    const int32_t first = ini.firstline(section);
-    const int32_t lines = ini.items(section);
+    const IniLines lines = ini.lines(section);
     message(kTrace, "BCPL relocs found\n");
-    message(kProgress, "BCPL Relocs=%d in section %d starts at line=%d\n", lines, section, first);
-    for (int32_t line = first; line < first + lines; ++line) {
-        const std::string_view text = ini.line(line);
+    message(kProgress, "BCPL Relocs=%d in section %d starts at line=%d\n", lines.size(), section,
+            ini.firstline(section));
+    for (const std::string_view text : lines) {
         const int32_t place = text.size() > iBcplNumber ? decimal(text.data() + iBcplNumber) : 0;
         message(kAlways, "BCPL Reloc=%d\n", place);
         bcpl.push_back(static_cast<uint32_t>(start) + static_cast<uint32_t>(place));

@@ -101,16 +101,16 @@ std::optional<MapLine> splitline(const char* line) {
 // The relocs of section `section`, up to the first line that is none.
 std::vector<int32_t> readrelocs(const IniFile& ini, int32_t section) {
     std::vector<int32_t> relocs;
-    const int32_t count = ini.items(section);
-    message(kProgress, "Relocs=%d in section %d starts at line=%d\n", count, section, ini.firstline(section));
-    for (int32_t item = 0; item < count; ++item) {
-        const char* line = ini.line(ini.firstline(section) + item);
+    const IniLines lines = ini.lines(section);
+    message(kProgress, "Relocs=%d in section %d starts at line=%d\n", lines.size(), section,
+            ini.firstline(section));
+    for (const char* const line : lines) {
         message(kRaw, "INI File=%s\n", line);
         if (!std::string_view(line).starts_with(cRelocKey)) {
             message(kProgress,
                     "Missing RELOC=, early end of section, abandoning any more relocs, setting reloc count "
                     "to %d\n",
-                    item);
+                    static_cast<int32_t>(relocs.size()));
             break;
         }
         relocs.push_back(decimal(line + cRelocKey.size()));
@@ -140,11 +140,10 @@ public:
     explicit MapReader(int32_t slotnumber) : rom(slotnumber), slot(*findslot(slotnumber)) {}
 
     void read(const IniFile& ini, int32_t section) {
-        const int32_t first = ini.firstline(section);
-        const int32_t count = ini.items(section);
-        slot.psComponents.reserve(static_cast<size_t>(count));
-        for (int32_t number = 0; number < count; ++number)
-            slot.psComponents.push_back(readline(number, ini.line(first + number)));
+        const IniLines lines = ini.lines(section);
+        slot.psComponents.reserve(static_cast<size_t>(lines.size()));
+        for (const char* const line : lines)
+            slot.psComponents.push_back(readline(slot.iComponents(), line));
     }
 
 private:
@@ -211,12 +210,12 @@ private:
 void readcomponents(int32_t rom, const IniFile& ini) {
     const int32_t section = readinisection(ini, cComponentsSection);
     if (section < 0) return;
-    const int32_t count = ini.items(section);
+    const int32_t count = ini.lines(section).size();
     if (count > iComponentsMost) {
         message(kResult, "ERROR: A map of %d components is more than a ROM can hold\n", count);
         return;
     }
-    message(kTrace, "Section:%s\n", ini.line(ini.firstline(section) - 1));
+    message(kTrace, "Section:%s\n", ini.head(section));
     message(kRaw, "Allocating space for %d components (%lu bytes)\n", count,
             static_cast<unsigned long>(static_cast<size_t>(count) * sizeof(Component)));
     MapReader(rom).read(ini, section);
