@@ -51,11 +51,19 @@ constexpr auto sFlowKinds = std::to_array<FlowKind>({
     shortdecrement("DBF "), shortdecrement("DBT "),
 });
 
+// What all of them begin with, which is sooner seen than that none of them fits.
+constexpr std::string_view cFirstLetters = "BDJR";
+
+constexpr bool hasfirstletter(std::string_view text) {
+    return !text.empty() && cFirstLetters.find(text[0]) != std::string_view::npos;
+}
+
+static_assert(std::ranges::all_of(sFlowKinds, hasfirstletter, &FlowKind::cPrefix));
+
 } // namespace
 
 const FlowKind* flowkind(std::string_view text) {
-    // All of them begin with one of four letters, which is sooner seen than that none of them fits.
-    if (text.empty() || std::string_view("BDJR").find(text[0]) == std::string_view::npos) return nullptr;
+    if (!hasfirstletter(text)) return nullptr;
     const auto found = std::ranges::find_if(
         sFlowKinds, [text](const FlowKind& kind) { return text.starts_with(kind.cPrefix); });
     return found == sFlowKinds.end() ? nullptr : &*found;
