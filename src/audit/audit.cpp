@@ -130,7 +130,7 @@ int getauditfile(int32_t index, AuditFileData& record) {
     record.iDirectory = file.iDirectory;
     record.cName = shortname(file.cName);
     if (file.iCRC32 == 0) file.iCRC32 = hashedfile(psAuditFilesDir[file.iDirectory].cPath + "/" + file.cName);
-    record.cCRC = formatted("0x%08x", file.iCRC32);
+    record.cCRC = hexlong(file.iCRC32);
     message(kTrace, "CRC: %s\n", record.cCRC.c_str());
     return 0;
 }

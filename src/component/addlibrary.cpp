@@ -113,7 +113,7 @@ private:
 
 void addbywildcard(int32_t rom, const std::string& path, const std::string& prefix) {
     message(kResult, "Wildcard add of component\n");
-    const std::string hash = formatted("0x%08x", crc32file(path));
+    const std::string hash = hexlong(crc32file(path));
     message(kRaw, "CRC32:%s\n", hash.c_str());
     const std::string hashpath = findhashfile(hash.c_str());
     message(kTrace, "Looking for hash %s [%s]\n", hash.c_str(), hashpath.c_str());

@@ -145,7 +145,7 @@ int extractbytype(const SourceFile& source, const std::string& name, Component& 
 }
 
 int loadmember(const std::string& path, View data, const std::string& name, Component& component) {
-    const std::string hash = formatted("0x%08x", crc32buf(data));
+    const std::string hash = hexlong(crc32buf(data));
     std::string hashpath = findhashfile(hash.c_str());
     message(kProgress, "Looking for hash %s found %s\n", hash.c_str(), hashpath.c_str());
     if (hashpath.empty()) {

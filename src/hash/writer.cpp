@@ -114,7 +114,7 @@ void canonisebyform(int32_t rom, int32_t number) {
     uint32_t crc = 0;
     if (loadedlib2loadablelib(rom, number, form, crc) == 0) return;
     message(kRaw, "CRC:%08x\n", crc);
-    const std::string hash = formatted("0x%08x", crc);
+    const std::string hash = hexlong(crc);
     const std::string& path = findhashfile(hash.c_str());
     if (path.empty()) {
         component.pcHash = withoutblanks(hash + "." + shown(component.pcLibString));

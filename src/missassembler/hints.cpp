@@ -131,7 +131,7 @@ void addjumptable(Walk& walk, const std::string& value) {
 void addromhints(Walk& walk) {
     const auto ini = loadinifile(findhashfile(cHintFile));
     if (!ini) return message(kTrace, "No entrypoint ROM  missasembler hints file (misshints.ini)\n");
-    const std::string name = formatted("0x%08x", walk.slot.iCRC32);
+    const std::string name = hexlong(walk.slot.iCRC32);
     const int32_t section = readinisection(*ini, name.c_str());
     if (section < 0) return message(kAlways, "No misassembler hints for ROM with CRC32 %s\n", name.c_str());
     for (const std::string line : ini->lines(section)) {

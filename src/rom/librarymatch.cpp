@@ -53,7 +53,7 @@ bool describe(const IniFile& ini, const KickstartRom& slot, Component& component
 std::string formname(const KickstartRom& slot, Component& component, const std::string& key) {
     droprelocsoutside(component.ipRelocs, component.iSize);
     component.pcExtract = extractof(slot, component);
-    return formatted("0x%08x.%s", crc32buf(loadablelibraryform(component)), key.c_str());
+    return hexlong(crc32buf(loadablelibraryform(component))) + "." + key;
 }
 
 // Trying files is worth its time up to this many bytes of them in an analysis. Each counts for some bytes

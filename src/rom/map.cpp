@@ -183,7 +183,7 @@ private:
                 static_cast<int32_t>(component.iEnd()));
         taketag(slot, component);
         component.iCRC32 = crc32buf(*component.pcExtract);
-        message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
+        message(kProgress, "CRC:0x%08x\n", component.iCRC32);
     }
 
     // Whether the range lies in the image, and the map claims no more of it than a sound one; an error line
@@ -223,7 +223,7 @@ void readcomponents(int32_t rom, const IniFile& ini) {
 
 void applyhashfile(int32_t rom) {
     KickstartRom& slot = *findslot(rom);
-    const std::string name = formatted("0x%08x", slot.iCRC32);
+    const std::string name = hexlong(slot.iCRC32);
     message(kProgress, "Load ROMData, look for Hashfile:%s\n", name.c_str());
     const auto ini = loadinifile(findhashfile(name.c_str()));
     if (!ini) {

@@ -26,6 +26,12 @@ TEST(Formatted, ShortAndLongTextsComeWhole) {
 
 TEST(Formatted, NothingToPrintIsAnEmptyText) { EXPECT_EQ(formatted("%s", ""), ""); }
 
+TEST(HexLong, EightSmallDigitsStandBehindAPrefix) {
+    EXPECT_EQ(hexlong(0x89ABCDEF), "0x89abcdef");
+    EXPECT_EQ(hexlong(0x1F), "0x0000001f");
+    EXPECT_EQ(hexlong(0), "0x00000000");
+}
+
 TEST(JoinPath, ASlashStandsBetweenDirectoryAndName) {
     EXPECT_EQ(joinpath("a/b", "c"), "a/b/c");
     EXPECT_EQ(joinpath("", "c"), "/c");
