@@ -25,7 +25,7 @@ class HashText {
 public:
     void add(const std::string& piece) { text += piece.substr(0, iPieceMost); }
 
-    [[nodiscard]] View bytes() const { return {reinterpret_cast<const uint8_t*>(text.data()), text.size()}; }
+    [[nodiscard]] View bytes() const { return textbytes(text); }
 
 private:
     static constexpr size_t iPieceMost = 1023;
