@@ -109,7 +109,7 @@ void ComponentAnalysis::tellpotential() const {
     int32_t count = 0;
     for (int64_t place = start; place < end; place += 2) {
         const auto value = longat(slot.pcROM, place);
-        if (!value || *value - slot.iROMBase < start || *value - slot.iROMBase > end) continue;
+        if (!value || !pointsinto(slot, record, *value)) continue;
         message(kResult, "Potential RELOC=%d\n", static_cast<int32_t>(place - start));
         ++count;
     }
@@ -124,11 +124,10 @@ void ComponentAnalysis::tellbcpl() const {
     message(kProgress, "Identifying potential BCPL relocs %08x to %08x\n\n[BCPL]\n", start, end);
     for (int64_t place = start & 0xFFFFFCU; place < end; place += 4) {
         const auto value = longat(slot.pcROM, place);
-        if (!value) continue;
-        const uint32_t target = *value * 4 - slot.iROMBase;
-        if (target < start || target > end) continue;
+        // BCPL counts addresses in longs.
+        if (!value || !pointsinto(slot, record, *value * 4)) continue;
         message(kProgress, "RELOC=%d #%d\n", static_cast<int32_t>(place - start),
-                static_cast<int32_t>(target - start));
+                static_cast<int32_t>(*value * 4 - runaddress(slot, record)));
     }
 }
 
