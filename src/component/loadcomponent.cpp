@@ -97,7 +97,7 @@ int extractfromrom(const SourceFile& source, const std::string& name, Component&
     component.iSize = library->range.size;
     component.pcName = name;
     component.pcHash = library->hash;
-    component.ipRelocs = loadrelocs(component.pcHash->c_str());
+    component.ipRelocs = loadrelocs(component.pcHash);
     droprelocsoutside(component.ipRelocs, component.iSize);
     if (component.iRelocs() > component.iSize) { // a list that repeats itself would only take up memory
         message(kResult, "ERROR: %s has more relocs than bytes\n", name.c_str());

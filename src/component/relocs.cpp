@@ -1,7 +1,6 @@
 #include "component/relocs.h"
 
 #include "base/message.h"
-#include "hash/library.h"
 #include "shell/numbers.h"
 
 #include <cstring>
@@ -15,8 +14,8 @@ std::vector<int32_t> relocsofsection(const IniFile& ini, int32_t section) {
     return relocs;
 }
 
-std::vector<int32_t> loadrelocs(const char* name) {
-    const auto ini = loadinifile(findhashfile(name));
+std::vector<int32_t> loadrelocs(const Text& hash) {
+    const auto ini = loadhashfile(hash);
     const int32_t section = ini ? readinisection(*ini, cRelocSection) : -1;
     if (section < 0) return {};
     message(kTrace, "Loading relocs\n");

@@ -2,6 +2,7 @@
 // Relocation lists as hash files hold them: a section [RELOC32] of lines "RELOC=" and a decimal component
 // offset.
 
+#include "base/text.h"
 #include "hash/hashfile.h"
 #include "hash/ini.h"
 
@@ -17,8 +18,7 @@ inline constexpr std::string_view cRelocKey = "RELOC=";
 /// first six characters of each line. A line too short to hold one is passed over.
 [[nodiscard]] std::vector<int32_t> relocsofsection(const IniFile& ini, int32_t section);
 
-/// The relocs that the hash file found for the hash name `name` lists, in its order; none without such a
-/// file.
-[[nodiscard]] std::vector<int32_t> loadrelocs(const char* name);
+/// The relocs that the hash file named by `hash` lists, in its order; none without such a file.
+[[nodiscard]] std::vector<int32_t> loadrelocs(const Text& hash);
 
 } // namespace vantorel

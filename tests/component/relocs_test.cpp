@@ -64,6 +64,7 @@ TEST_F(LoadRelocsTest, WithoutAFileThereAreNone) {
     EXPECT_EQ(loadrelocs("0x12345678"), Relocs{}) << "nothing is indexed";
     write("0x12345678", "RELOC=4\n");
     EXPECT_EQ(loadrelocs("0x12345679"), Relocs{});
+    EXPECT_EQ(loadrelocs(std::nullopt), Relocs{});
     EXPECT_FALSE(has(at(10, [] { static_cast<void>(loadrelocs("0x87654321")); }), "Loading relocs"));
 }
 
