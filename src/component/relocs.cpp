@@ -7,6 +7,11 @@
 
 namespace vantorel {
 
+void tellrelocs(const IniFile& ini, int32_t section) {
+    message(kProgress, "Relocs=%d in section %d starts at line=%d\n", ini.lines(section).size(), section,
+            ini.firstline(section));
+}
+
 std::vector<int32_t> relocsofsection(const IniFile& ini, int32_t section) {
     std::vector<int32_t> relocs;
     for (const char* const line : ini.lines(section))

@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "base/message.h"
 #include "component/extract.h"
+#include "component/relocs.h"
 #include "hash/crc32.h"
 #include "hash/hashfile.h"
 #include "hash/ini.h"
@@ -22,8 +23,6 @@ namespace {
 constexpr int32_t iByteMost = 255;
 constexpr int32_t iWordMost = 65535;
 constexpr const char* cBcplSection = "BCPL";
-// Where the number of a line of that section begins: behind "RELOC=".
-constexpr size_t iBcplNumber = 6;
 // The long that says where the components of a SuperKickstart end, counted from the image's end.
 constexpr int32_t iEndMarker = 28;
 // The pointer of a Kickity-Split.
@@ -172,7 +171,9 @@ void Gatherer::addsection(const IniFile& ini, int32_t section, int32_t start) {
     message(kProgress, "BCPL Relocs=%d in section %d starts at line=%d\n", lines.size(), section,
             ini.firstline(section));
     for (const std::string_view text : lines) {
-        const int32_t place = text.size() > iBcplNumber ? decimal(text.data() + iBcplNumber) : 0;
+        // The number stands behind "RELOC=", whatever is there.
+        const bool hasnumber = text.size() > cRelocKey.size();
+        const int32_t place = hasnumber ? decimal(text.data() + cRelocKey.size()) : 0;
         message(kAlways, "BCPL Reloc=%d\n", place);
         bcpl.push_back(static_cast<uint32_t>(start) + static_cast<uint32_t>(place));
     }

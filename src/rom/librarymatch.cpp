@@ -42,8 +42,7 @@ bool describe(const IniFile& ini, const KickstartRom& slot, Component& component
     component.ipRelocs.clear();
     const int32_t section = readinisection(ini, cRelocSection);
     if (section >= 0) {
-        message(kProgress, "Relocs=%d in section %d starts at line=%d\n", ini.lines(section).size(), section,
-                ini.firstline(section));
+        tellrelocs(ini, section);
         component.ipRelocs = relocsofsection(ini, section);
     }
     return isinside(slot.pcROM, start, component.iSize);

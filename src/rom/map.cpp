@@ -101,10 +101,8 @@ std::optional<MapLine> splitline(const char* line) {
 // The relocs of section `section`, up to the first line that is none.
 std::vector<int32_t> readrelocs(const IniFile& ini, int32_t section) {
     std::vector<int32_t> relocs;
-    const IniLines lines = ini.lines(section);
-    message(kProgress, "Relocs=%d in section %d starts at line=%d\n", lines.size(), section,
-            ini.firstline(section));
-    for (const char* const line : lines) {
+    tellrelocs(ini, section);
+    for (const char* const line : ini.lines(section)) {
         message(kRaw, "INI File=%s\n", line);
         if (!std::string_view(line).starts_with(cRelocKey)) {
             message(kProgress,
