@@ -17,7 +17,7 @@ struct Expansion {
     std::vector<Fetch> fetches; ///< in the order of the bytes; at most `iFetchesMost`
     std::vector<Piece> pieces;  ///< in the order of the text; at most `iMissTextMost` characters in all
     std::string literals;       ///< the characters of all literal pieces, and `iLiteralBlock` NULs
-    bool hasmarker = false;     ///< whether the text may hold "(PC)" or "(pc)"
+    bool hasmarker = false;     ///< whether the text may hold a marker of `finish.h`
     bool isfixed = false;       ///< whether `literals` is the text of every such instruction, finished
 };
 

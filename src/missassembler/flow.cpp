@@ -2,6 +2,7 @@
 
 #include "base/message.h"
 #include "missassembler/decode.h"
+#include "missassembler/finish.h"
 #include "missassembler/labels.h"
 #include "missassembler/mnemonics.h"
 
@@ -85,7 +86,7 @@ struct Instruction {
 // The target of an instruction spelt `text`; none when the text does not tell it.
 std::optional<uint32_t> targetof(const FlowKind& kind, const char* text) {
     const std::string_view spelt = text;
-    const bool isrelative = spelt.find("(PC)") != std::string_view::npos;
+    const bool isrelative = spelt.find(cMarker) != std::string_view::npos;
     if (!isrelative && (kind.isdecrement || spelt.find('(') != std::string_view::npos)) return std::nullopt;
     const size_t place = std::min(static_cast<size_t>(kind.iTarget), spelt.size());
     const uint32_t target = hex6toi(text + place);
