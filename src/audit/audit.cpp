@@ -58,17 +58,17 @@ void sortfiles(size_t start) {
 void addfiles(size_t index) {
     const size_t directories = psAuditFilesDir.size();
     const size_t files = psAuditFilesFile.size();
+    // The list that holds the path grows.
     const std::string path = psAuditFilesDir[index].cPath;
-    message(kTrace, "ADDING %d : %s\n", static_cast<int>(index), path.c_str());
-    if (index > 0 && !iswalkable(path)) return;
     const auto number = static_cast<uint32_t>(index);
-    DirectoryListing listing(path);
-    while (const auto entry = listing.next()) {
-        if (entry->isdirectory)
-            psAuditFilesDir.push_back({number, joinpath(path, entry->cName)});
-        else
-            psAuditFilesFile.push_back({number, entry->cName, 0});
-    }
+    scandirectory(
+        index, path,
+        [&](std::string found) {
+            psAuditFilesDir.push_back({number, std::move(found)});
+        },
+        [&](const char* name) {
+            psAuditFilesFile.push_back({number, name, 0});
+        });
     sortdirectories(directories);
     sortfiles(files);
 }
