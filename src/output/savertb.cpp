@@ -208,6 +208,9 @@ void appendbcpl(Bytes& bytes, std::span<const uint32_t> places) {
     appendlong(bytes, 0);
 }
 
+// What stands behind the stream, less the BCPL places: two longs before them and one behind them.
+constexpr int32_t iEndLongs = 3 * 4;
+
 // The whole file of slot `rom`, whose image is large enough. `counted` is how many bytes of it the user is
 // told of: BCPL places have never been counted.
 Bytes rtbfile(int32_t rom, int32_t& counted) {
@@ -219,7 +222,7 @@ Bytes rtbfile(int32_t rom, int32_t& counted) {
     bytes.resize(iRtbHeader);
     const Bytes stream = rtbstream(gatherer.entries);
     bytes.insert(bytes.end(), stream.begin(), stream.end());
-    counted = static_cast<int32_t>(bytes.size()) + 12;
+    counted = static_cast<int32_t>(bytes.size()) + iEndLongs;
     appendlong(bytes, 0);
     appendlong(bytes, 0xFFFFFFFF);
     appendbcpl(bytes, gatherer.bcpl);
