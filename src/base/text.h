@@ -1,5 +1,5 @@
 #pragma once
-// Texts that may be absent, and printf into a string.
+// Texts that may be absent, printf into a string, paths, and comparisons without regard to case.
 
 #include <cstdint>
 #include <optional>

@@ -76,8 +76,8 @@ struct IniFile {
     }
 };
 
-/// Loads and indexes the file at `path`. None, and no message, when it cannot be opened (an empty path
-/// cannot).
+/// Loads and indexes the file at `path`, one that ends early as far as it goes. None, and no message, when it
+/// cannot be opened (an empty path cannot) or is larger than `iFileSizeMax`.
 [[nodiscard]] std::optional<IniFile> loadinifile(const std::string& path);
 
 /// Indexes `text` as if it were a file's contents.
