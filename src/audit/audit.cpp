@@ -1,11 +1,11 @@
 #include "audit/audit.h"
 
 #include "audit/basename.h"
+#include "base/directory.h"
 #include "base/files.h"
 #include "base/message.h"
 #include "base/text.h"
 #include "hash/crc32.h"
-#include "hash/directory.h"
 #include "hash/library.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "hash/library.h"
 
+#include "base/directory.h"
 #include "base/message.h"
 #include "base/text.h"
-#include "hash/directory.h"
 
 #include <utility>
 

@@ -1,5 +1,5 @@
 #pragma once
-// The listing of one directory of the host, as the library and the audit take it.
+// The listing of one directory of the host, for walks over a tree of files.
 
 #include <cstddef>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "hash/directory.h"
+#include "base/directory.h"
 
 #include "base/message.h"
 #include "base/text.h"

@@ -1,6 +1,6 @@
 // One directory of the host, listed for a walk.
 
-#include "hash/directory.h"
+#include "base/directory.h"
 
 #include "base/text.h"
 #include "support/tempdir.h"
