@@ -3,6 +3,7 @@
 #include "audit/basename.h"
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "component/extract.h"
 #include "component/loadable.h"
 #include "component/selection.h"
@@ -10,7 +11,6 @@
 #include "hash/hashfile.h"
 #include "hash/library.h"
 #include "rom/store.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "component/extract.h"
 #include "component/relocs.h"
 #include "hash/crc32.h"
@@ -10,7 +11,6 @@
 #include "rom/header.h"
 #include "rom/store.h"
 #include "shell/numbers.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <string_view>
