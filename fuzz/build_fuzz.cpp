@@ -6,13 +6,13 @@
 // folder of their own, in which sessions have to stay: free text with a "/" in it is passed over, also when
 // it comes out of an alias.
 
+#include "base/settings.h"
 #include "buildchecks.h"
 #include "buildground.h"
 #include "input.h"
 #include "rom/header.h"
 #include "rom/layout.h"
 #include "shell/commands.h"
-#include "shell/settings.h"
 #include "shell/substitute.h"
 #include "support/freshstate.h"
 

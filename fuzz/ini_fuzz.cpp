@@ -39,19 +39,19 @@ void checksections(const IniFile& ini) {
     for (int32_t section = 0; section < ini.iSections(); ++section) {
         const bool islast = section + 1 == ini.iSections();
         const int32_t next = islast ? ini.iLines() : ini.firstline(section + 1) - 1;
-        require(ini.items(section) >= 0);
-        require(ini.firstline(section) + ini.items(section) == next);
+        require(ini.ipItems[static_cast<size_t>(section)] >= 0);
+        require(ini.firstline(section) + ini.lines(section).size() == next);
     }
 }
 
 /// Asks for a section by its own name, and for its keys.
 void checklookups(const IniFile& ini, int32_t section) {
-    const char* const name = ini.line(ini.firstline(section) - 1);
+    const char* const name = ini.head(section);
     const int32_t found = readinisection(ini, name);
     require(found >= 0 && found <= section);
-    const int32_t first = ini.firstline(found);
-    for (int32_t number = first; number < first + std::min(ini.items(found), kLookups); ++number) {
-        const std::string line = ini.line(number);
+    int32_t tried = 0;
+    for (const std::string line : ini.lines(found)) {
+        if (++tried > kLookups) return;
         const size_t equals = line.find('=');
         if (equals == std::string::npos) continue;
         const char* const value = readiniitem(ini, name, line.substr(0, equals).c_str());

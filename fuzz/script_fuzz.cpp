@@ -5,12 +5,12 @@
 // that the disk image needs.
 
 #include "base/message.h"
+#include "base/settings.h"
 #include "input.h"
 #include "rom/checksum.h"
 #include "rom/store.h"
 #include "shell/alias.h"
 #include "shell/commands.h"
-#include "shell/settings.h"
 #include "shell/substitute.h"
 #include "support/diskbuilder.h"
 #include "support/freshstate.h"

@@ -92,8 +92,6 @@ void setcommon(uint8_t* fields, const Entry& entry) {
     leUINT16(fields + Common::namelength, static_cast<uint32_t>(entry.name.size()));
 }
 
-View bytesof(const std::string& text) { return {reinterpret_cast<const uint8_t*>(text.data()), text.size()}; }
-
 // An archive being written.
 class ZipFile {
 public:
@@ -126,7 +124,7 @@ void ZipFile::add(const Entry& entry, View data) {
     auto local = record<Local::length>(Local::signature);
     setcommon(local.data() + Local::common, entry);
     write(local);
-    write(bytesof(entry.name));
+    write(textbytes(entry.name));
     write(data);
     ++entries;
 }

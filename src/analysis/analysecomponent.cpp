@@ -4,6 +4,7 @@
 #include "base/message.h"
 #include "component/extract.h"
 #include "component/relocedit.h"
+#include "rom/likeness.h"
 #include "rom/store.h"
 
 #include <vector>
@@ -89,28 +90,14 @@ void ComponentAnalysis::compare(const Match& copy) {
 
 // `offset` is how far the component lies behind its copy, in image offsets.
 void ComponentAnalysis::comparebytes(const Match& copy, int64_t offset) {
-    const View mine = slot.pcROM;
-    const View theirs = copy.slot.pcROM;
     const int64_t start = record.iStart;
-    const uint32_t base = slot.iROMBase + static_cast<uint32_t>(offset);
-    int32_t matching = 0;
+    const uint32_t difference = slot.iROMBase + static_cast<uint32_t>(offset) - copy.slot.iROMBase;
     RelocBatch relocs(rom, component);
-    for (int32_t place = 0; place < record.iSize;) {
-        const auto a = longat(mine, start + place);
-        const auto b = longat(theirs, start - offset + place);
-        if (a && b && *a - base == *b - copy.slot.iROMBase) {
-            message(kResult, "Verified RELOC=%d\n", place);
-            if (verified == VerifiedRelocs::Add) relocs.add(place);
-            matching += 4;
-            place += 4;
-            continue;
-        }
-        const bool isthere = isinside(theirs, start - offset + place, 1);
-        if (isthere &&
-            mine[static_cast<size_t>(start + place)] == theirs[static_cast<size_t>(start - offset + place)])
-            ++matching;
-        ++place;
-    }
+    const int32_t matching = countlike(slot.pcROM, start, copy.slot.pcROM, start - offset, record.iSize,
+                                       difference, [&](int32_t place) {
+                                           message(kResult, "Verified RELOC=%d\n", place);
+                                           if (verified == VerifiedRelocs::Add) relocs.add(place);
+                                       });
     relocs.finish();
     message(kResult, "Matching %d of %d\n", matching, record.iSize);
 }
@@ -122,7 +109,7 @@ void ComponentAnalysis::tellpotential() const {
     int32_t count = 0;
     for (int64_t place = start; place < end; place += 2) {
         const auto value = longat(slot.pcROM, place);
-        if (!value || *value - slot.iROMBase < start || *value - slot.iROMBase > end) continue;
+        if (!value || !pointsinto(slot, record, *value)) continue;
         message(kResult, "Potential RELOC=%d\n", static_cast<int32_t>(place - start));
         ++count;
     }
@@ -137,11 +124,10 @@ void ComponentAnalysis::tellbcpl() const {
     message(kProgress, "Identifying potential BCPL relocs %08x to %08x\n\n[BCPL]\n", start, end);
     for (int64_t place = start & 0xFFFFFCU; place < end; place += 4) {
         const auto value = longat(slot.pcROM, place);
-        if (!value) continue;
-        const uint32_t target = *value * 4 - slot.iROMBase;
-        if (target < start || target > end) continue;
+        // BCPL counts addresses in longs.
+        if (!value || !pointsinto(slot, record, *value * 4)) continue;
         message(kProgress, "RELOC=%d #%d\n", static_cast<int32_t>(place - start),
-                static_cast<int32_t>(target - start));
+                static_cast<int32_t>(*value * 4 - runaddress(slot, record)));
     }
 }
 

@@ -1,11 +1,11 @@
 #include "audit/audit.h"
 
 #include "audit/basename.h"
+#include "base/directory.h"
 #include "base/files.h"
 #include "base/message.h"
 #include "base/text.h"
 #include "hash/crc32.h"
-#include "hash/directory.h"
 #include "hash/library.h"
 
 #include <algorithm>
@@ -53,17 +53,17 @@ void sortfiles(size_t start) {
 void addfiles(size_t index) {
     const size_t directories = psAuditFilesDir.size();
     const size_t files = psAuditFilesFile.size();
+    // The list that holds the path grows.
     const std::string path = psAuditFilesDir[index].cPath;
-    message(kTrace, "ADDING %d : %s\n", static_cast<int>(index), path.c_str());
-    if (index > 0 && !iswalkable(path)) return;
     const auto number = static_cast<uint32_t>(index);
-    DirectoryListing listing(path);
-    while (const auto entry = listing.next()) {
-        if (entry->isdirectory)
-            psAuditFilesDir.push_back({number, joinpath(path, entry->cName)});
-        else
-            psAuditFilesFile.push_back({number, entry->cName, 0});
-    }
+    scandirectory(
+        index, path,
+        [&](std::string found) {
+            psAuditFilesDir.push_back({number, std::move(found)});
+        },
+        [&](const char* name) {
+            psAuditFilesFile.push_back({number, name, 0});
+        });
     sortdirectories(directories);
     sortfiles(files);
 }
@@ -125,7 +125,7 @@ int getauditfile(int32_t index, AuditFileData& record) {
     record.iDirectory = file.iDirectory;
     record.cName = cut(file.cName, iRecordText);
     if (file.iCRC32 == 0) file.iCRC32 = hashedfile(psAuditFilesDir[file.iDirectory].cPath + "/" + file.cName);
-    record.cCRC = formatted("0x%08x", file.iCRC32);
+    record.cCRC = hexlong(file.iCRC32);
     message(kTrace, "CRC: %s\n", record.cCRC.c_str());
     return 0;
 }

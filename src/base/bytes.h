@@ -8,12 +8,18 @@
 #include <cstring>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace vantorel {
 
 using Bytes = std::vector<uint8_t>;
 using View = std::span<const uint8_t>;
+
+/// The bytes of `text`, which live as long as it does.
+[[nodiscard]] inline View textbytes(std::string_view text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
 
 /// The big-endian long in the four bytes at `p`.
 [[nodiscard]] inline uint32_t iUINT32(const uint8_t* p) {

@@ -19,6 +19,8 @@ std::string formatted(const char* format, ...) {
     return text;
 }
 
+std::string hexlong(uint32_t value) { return formatted("0x%08x", value); }
+
 std::string joinpath(std::string_view directory, std::string_view name) {
     std::string path(directory);
     path += '/';

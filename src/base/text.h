@@ -1,6 +1,7 @@
 #pragma once
-// Texts that may be absent, and printf into a string.
+// Texts that may be absent, printf into a string, paths, and comparisons without regard to case.
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ using Text = std::optional<std::string>;
 
 /// What printf would have printed, of any length.
 [[gnu::format(printf, 1, 2)]] [[nodiscard]] std::string formatted(const char* format, ...);
+
+/// `value` as "0x" and eight hexadecimal digits in small letters, as hash files are called after a CRC32.
+[[nodiscard]] std::string hexlong(uint32_t value);
 
 /// The longest path that the program forms: further characters are cut off.
 inline constexpr size_t iPathMax = 1023;

@@ -67,7 +67,7 @@ Component* appendatend(int32_t rom, std::string_view type, int32_t fromend, int3
 
 // Puts `value` into the component's bytes and names it after it.
 void store(int32_t rom, Component& component, uint32_t value) {
-    component.pcHash = formatted("0x%08x", value);
+    component.pcHash = hexlong(value);
     setlong(bytesof(*findslot(rom), component), value);
 }
 

@@ -74,8 +74,8 @@ public:
         const int32_t section = readinisection(ini, cComponentsSection);
         if (section <= 0) return; // hash files begin with their description
         each = InputFile(path).size() + static_cast<int64_t>(ini.pcBuffer.size());
-        for (int32_t item = 0; item < ini.items(section); ++item) {
-            if (const auto found = candidate(ini.line(ini.firstline(section) + item))) consider(*found);
+        for (const char* const line : ini.lines(section)) {
+            if (const auto found = candidate(line)) consider(*found);
             if (work <= iWorkMost) continue;
             message(kResult, "ERROR: There is too much to read for %s, leaving off\n", path.c_str());
             return;
@@ -113,7 +113,7 @@ private:
 
 void addbywildcard(int32_t rom, const std::string& path, const std::string& prefix) {
     message(kResult, "Wildcard add of component\n");
-    const std::string hash = formatted("0x%08x", crc32file(path));
+    const std::string hash = hexlong(crc32file(path));
     message(kRaw, "CRC32:%s\n", hash.c_str());
     const std::string hashpath = findhashfile(hash.c_str());
     message(kTrace, "Looking for hash %s [%s]\n", hash.c_str(), hashpath.c_str());

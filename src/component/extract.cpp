@@ -8,6 +8,10 @@ uint32_t runaddress(const KickstartRom& slot, const Component& component) {
     return slot.iROMBase + static_cast<uint32_t>(component.iStart);
 }
 
+bool pointsinto(const KickstartRom& slot, const Component& component, uint32_t value) {
+    return value - runaddress(slot, component) <= static_cast<uint32_t>(component.iSize);
+}
+
 bool requirerange(const KickstartRom& slot, int32_t component, int64_t start, int64_t size) {
     const bool fits = isinside(slot.pcROM, start, size);
     if (!fits) message(kResult, "ERROR: Component %d does not lie in its image\n", component);

@@ -14,6 +14,10 @@ namespace vantorel {
 /// The CPU address at which the first byte of `component` runs in `slot`.
 [[nodiscard]] uint32_t runaddress(const KickstartRom& slot, const Component& component);
 
+/// Whether `value` is the CPU address of a byte of `component`, which lies in the image of `slot`, or of the
+/// first behind it: ends of tables and of what is skipped are told so.
+[[nodiscard]] bool pointsinto(const KickstartRom& slot, const Component& component, uint32_t value);
+
 /// Whether the bytes of component `component` of `slot`, which exists, lie inside its image; an error line
 /// when they do not.
 [[nodiscard]] bool requirefit(const KickstartRom& slot, int32_t component);

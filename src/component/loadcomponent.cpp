@@ -97,7 +97,7 @@ int extractfromrom(const SourceFile& source, const std::string& name, Component&
     component.iSize = library->range.size;
     component.pcName = name;
     component.pcHash = library->hash;
-    component.ipRelocs = loadrelocs(component.pcHash->c_str());
+    component.ipRelocs = loadrelocs(component.pcHash);
     droprelocsoutside(component.ipRelocs, component.iSize);
     if (component.iRelocs() > component.iSize) { // a list that repeats itself would only take up memory
         message(kResult, "ERROR: %s has more relocs than bytes\n", name.c_str());
@@ -145,7 +145,7 @@ int extractbytype(const SourceFile& source, const std::string& name, Component& 
 }
 
 int loadmember(const std::string& path, View data, const std::string& name, Component& component) {
-    const std::string hash = formatted("0x%08x", crc32buf(data));
+    const std::string hash = hexlong(crc32buf(data));
     std::string hashpath = findhashfile(hash.c_str());
     message(kProgress, "Looking for hash %s found %s\n", hash.c_str(), hashpath.c_str());
     if (hashpath.empty()) {

@@ -148,7 +148,7 @@ int32_t scanrelocs(int32_t rom, int32_t component) {
     int32_t count = 0;
     for (int64_t place = first; place < last; place += 2) {
         const auto value = longat(slot.pcROM, place);
-        if (!value || *value - slot.iROMBase < first || *value - slot.iROMBase > last) continue;
+        if (!value || !pointsinto(slot, record, *value)) continue;
         ++count;
         const auto offset = static_cast<int32_t>(place - first);
         // The trace names the reloc as the scan has it, which has moved on by a word already.

@@ -2,11 +2,11 @@
 
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "component/extract.h"
 #include "component/loadable.h"
 #include "component/selection.h"
 #include "rom/store.h"
-#include "shell/settings.h"
 
 namespace vantorel {
 

@@ -21,7 +21,7 @@ namespace vantorel {
 [[nodiscard]] uint32_t crc32buf(View data);
 
 /// The CRC32 of an open file of which nothing has been read yet, read piece by piece; none when it ends
-/// before its size or is larger than `iFileSizeMax`.
+/// before its size.
 [[nodiscard]] std::optional<uint32_t> crc32rest(InputFile& file);
 
 /// The CRC32 of a whole file; 0 when it cannot be opened or read in full.

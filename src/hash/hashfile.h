@@ -1,5 +1,5 @@
 #pragma once
-// The sections of hash files. `rom/map.h` tells what stands in them.
+// Hash files found by their names, and their sections. `rom/map.h` tells what stands in these.
 
 #include "base/text.h"
 #include "hash/ini.h"

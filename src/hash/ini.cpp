@@ -78,11 +78,8 @@ const char* readiniitem(const IniFile& ini, const char* section, const char* key
     const int32_t index = readinisection(ini, section);
     if (index < 0) return nullptr;
     const size_t length = std::strlen(key);
-    const int32_t first = ini.firstline(index);
-    for (int32_t number = first; number < first + ini.items(index); ++number) {
-        const char* const line = ini.line(number);
+    for (const char* const line : ini.lines(index))
         if (strncasecmp(line, key, length) == 0 && line[length] == '=') return line + length + 1;
-    }
     return nullptr;
 }
 

@@ -7,10 +7,42 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace vantorel {
+
+/// The lines of a section in their order, each a C string. They live as long as the file.
+class IniLines {
+public:
+    class Iterator {
+    public:
+        Iterator(const char* buffer, const int32_t* at) : text(buffer), place(at) {}
+
+        [[nodiscard]] const char* operator*() const { return text + *place; }
+        Iterator& operator++() {
+            ++place;
+            return *this;
+        }
+        [[nodiscard]] bool operator==(const Iterator&) const = default;
+
+    private:
+        const char* text;
+        const int32_t* place;
+    };
+
+    /// The lines whose texts begin at `offsets` in `buffer`.
+    IniLines(const char* buffer, std::span<const int32_t> offsets) : text(buffer), places(offsets) {}
+
+    [[nodiscard]] Iterator begin() const { return {text, places.data()}; }
+    [[nodiscard]] Iterator end() const { return {text, places.data() + places.size()}; }
+    [[nodiscard]] int32_t size() const { return static_cast<int32_t>(places.size()); }
+
+private:
+    const char* text;
+    std::span<const int32_t> places;
+};
 
 /// A loaded INI file. The texts handed out point into `pcBuffer` and live as long as the record.
 struct IniFile {
@@ -28,16 +60,24 @@ struct IniFile {
     [[nodiscard]] const char* line(int32_t number) const {
         return pcBuffer.data() + ipLines[static_cast<size_t>(number)];
     }
-    /// Number of lines in `section` (an index from `readinisection`).
-    [[nodiscard]] int32_t items(int32_t section) const { return ipItems[static_cast<size_t>(section)]; }
+    /// The name of `section` (an index from `readinisection`).
+    [[nodiscard]] const char* head(int32_t section) const {
+        return line(ipSections[static_cast<size_t>(section)]);
+    }
+    /// The lines behind the head of `section`, up to the next head.
+    [[nodiscard]] IniLines lines(int32_t section) const {
+        const auto first = static_cast<size_t>(firstline(section));
+        const auto count = static_cast<size_t>(ipItems[static_cast<size_t>(section)]);
+        return {pcBuffer.data(), std::span(ipLines).subspan(first, count)};
+    }
     /// Line number of the first line behind the head of `section`.
     [[nodiscard]] int32_t firstline(int32_t section) const {
         return ipSections[static_cast<size_t>(section)] + 1;
     }
 };
 
-/// Loads and indexes the file at `path`. None, and no message, when it cannot be opened (an empty path
-/// cannot).
+/// Loads and indexes the file at `path`, one that ends early as far as it goes. None, and no message, when it
+/// cannot be opened (an empty path cannot) or is larger than `iFileSizeMax`.
 [[nodiscard]] std::optional<IniFile> loadinifile(const std::string& path);
 
 /// Indexes `text` as if it were a file's contents.

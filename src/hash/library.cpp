@@ -1,8 +1,8 @@
 #include "hash/library.h"
 
+#include "base/directory.h"
 #include "base/message.h"
 #include "base/text.h"
-#include "hash/directory.h"
 
 #include <utility>
 
@@ -38,15 +38,13 @@ size_t bucketof(std::string_view name) {
 
 /// Scans directory `index`: its files and its subdirectories go to the ends of the lists.
 void addhashes(size_t index) {
-    message(kTrace, "ADDING %d : %s\n", static_cast<int>(index), pcVanHashDir[index].c_str());
-    if (index > 0 && !iswalkable(pcVanHashDir[index])) return;
-    DirectoryListing listing(pcVanHashDir[index]);
-    while (const auto entry = listing.next()) {
-        if (entry->isdirectory)
-            pcVanHashDir.push_back(joinpath(pcVanHashDir[index], entry->cName));
-        else
-            psVanHashFile.push_back({static_cast<uint32_t>(index), entry->cName});
-    }
+    // The list that holds the path grows.
+    const std::string path = pcVanHashDir[index];
+    scandirectory(
+        index, path, [](std::string found) { pcVanHashDir.push_back(std::move(found)); },
+        [index](const char* name) {
+            psVanHashFile.push_back({static_cast<uint32_t>(index), name});
+        });
 }
 
 void countbuckets() {

@@ -18,7 +18,7 @@ struct HashFileEntry {
     std::string cName;       ///< the name alone, as the directory gave it
 };
 
-// The index. All of it is filled by `loadhashes` and emptied by `freehashes`; nobody else changes it.
+// The index. `loadhashes` fills it and `freehashes` empties the lists; nobody else changes it.
 
 /// The directories found, breadth first; the first is the root as it was given.
 extern std::vector<std::string> pcVanHashDir;

@@ -3,6 +3,7 @@
 #include "audit/basename.h"
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "component/extract.h"
 #include "component/loadable.h"
 #include "component/selection.h"
@@ -10,7 +11,6 @@
 #include "hash/hashfile.h"
 #include "hash/library.h"
 #include "rom/store.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <vector>
@@ -25,7 +25,7 @@ class HashText {
 public:
     void add(const std::string& piece) { text += piece.substr(0, iPieceMost); }
 
-    [[nodiscard]] View bytes() const { return {reinterpret_cast<const uint8_t*>(text.data()), text.size()}; }
+    [[nodiscard]] View bytes() const { return textbytes(text); }
 
 private:
     static constexpr size_t iPieceMost = 1023;
@@ -114,7 +114,7 @@ void canonisebyform(int32_t rom, int32_t number) {
     uint32_t crc = 0;
     if (loadedlib2loadablelib(rom, number, form, crc) == 0) return;
     message(kRaw, "CRC:%08x\n", crc);
-    const std::string hash = formatted("0x%08x", crc);
+    const std::string hash = hexlong(crc);
     const std::string& path = findhashfile(hash.c_str());
     if (path.empty()) {
         component.pcHash = withoutblanks(hash + "." + shown(component.pcLibString));

@@ -6,7 +6,8 @@
 
 namespace vantorel {
 
-// CPU addresses, set by the one-pass listing when it starts and kept until the next one.
+// CPU addresses, set by the one-pass listing when it starts. Whatever is decoded after it goes on widening
+// the first two within the limits of the last listing.
 
 extern uint32_t iMissMin;      ///< lowest address attributed to the component so far
 extern uint32_t iMissMax;      ///< highest address attributed to it

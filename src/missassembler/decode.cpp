@@ -78,7 +78,7 @@ int32_t missassembleA(int32_t rom, int32_t offset, MissText& out, InstructionTab
     // Traces show each pass.
     const Expansion* expansion = isshown(kRaw) ? nullptr : table.expansion(opcode);
     if (expansion != nullptr && expansion->isfixed) {
-        writeliteral(out.data(), expansion->literals.data(), expansion->literals.size() - iLiteralBlock + 1);
+        writeliteral(out.data(), expansion->literals.data(), expansion->length() + 1); // with its NUL
         return bytes.length;
     }
     const uint32_t from = slot.iROMBase + static_cast<uint32_t>(offset) + iOpcodeLength;

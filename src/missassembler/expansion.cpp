@@ -246,8 +246,8 @@ Expansion Expander::finished() {
         expansion.literals.push_back(static_cast<char>(symbol));
     }
     // No piece is part of a marker, but an empty register list may stand in the middle of one.
-    expansion.hasmarker = expansion.literals.find("(PC)") != std::string::npos ||
-                          expansion.literals.find("(pc)") != std::string::npos;
+    expansion.hasmarker = expansion.literals.find(cMarker) != std::string::npos ||
+                          expansion.literals.find(cDroppedMarker) != std::string::npos;
     expansion.isfixed = fetches.empty() && !expansion.hasmarker;
     if (expansion.isfixed) {
         std::string& text = expansion.literals;

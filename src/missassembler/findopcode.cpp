@@ -42,7 +42,7 @@ int findopcode(int32_t rom, uint32_t start, uint32_t end, const std::string& tex
         message(kResult, "findopcode, not found\n");
         return 1;
     }
-    const std::string place = formatted("0x%08x", *found);
+    const std::string place = hexlong(*found);
     message(kProgress, "findopcode, found at %s\n", place.c_str());
     alias("FIND", place);
     return 0;

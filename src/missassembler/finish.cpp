@@ -33,19 +33,18 @@ char* writetarget(char* out, uint32_t target) {
 } // namespace
 
 char* settarget(char* begin, char* end, uint32_t from, int32_t rom) {
-    constexpr size_t markerlength = 4;
     *end = '\0';
     const std::string_view text(begin, end);
-    size_t marker = text.find("(PC)");
+    size_t marker = text.find(cMarker);
     const bool keepmarker = marker != std::string_view::npos;
-    if (!keepmarker) marker = text.find("(pc)");
+    if (!keepmarker) marker = text.find(cDroppedMarker);
     if (marker == std::string_view::npos) return end;
     char* const displacement = begin + displacementstart(text, marker);
     const uint32_t target = from + static_cast<uint32_t>(Hex2iINT32(displacement));
     checkaddressbound(rom, target);
     std::array<char, iTargetMost> digits;
     const char* const digitsend = writetarget(digits.data(), target);
-    const char* const rest = begin + marker + (keepmarker ? 0 : markerlength);
+    const char* const rest = begin + marker + (keepmarker ? 0 : cDroppedMarker.size());
     char* const newrest = displacement + (digitsend - digits.data());
     std::memmove(newrest, rest, static_cast<size_t>(end - rest));
     std::copy<const char*>(digits.data(), digitsend, displacement);

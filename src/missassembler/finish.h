@@ -8,12 +8,16 @@
 
 namespace vantorel {
 
+/// What stands behind a displacement from the instruction: it stays behind the target, or goes.
+inline constexpr std::string_view cMarker = "(PC)";
+inline constexpr std::string_view cDroppedMarker = "(pc)";
+
 /// The most characters that `settarget` makes a text longer by.
 inline constexpr size_t iTargetMost = 8;
 
-/// Replaces the displacement before the first "(PC)" of the text in [begin, end), or "(pc)" when there is
-/// none, by the address that it leads to, and removes the "(pc)". The displacement counts from behind the
-/// opcode word, at CPU address `from`, whatever words are before it; the target is shown to
+/// Replaces the displacement before the first `cMarker` of the text in [begin, end), or `cDroppedMarker` when
+/// there is none, by the address that it leads to, and removes the latter. The displacement counts from
+/// behind the opcode word, at CPU address `from`, whatever words are before it; the target is shown to
 /// `checkaddressbound` of slot `rom`. Returns the new end; room for `iTargetMost` more characters.
 [[nodiscard]] char* settarget(char* begin, char* end, uint32_t from, int32_t rom);
 

@@ -2,6 +2,7 @@
 
 #include "base/message.h"
 #include "missassembler/decode.h"
+#include "missassembler/finish.h"
 #include "missassembler/labels.h"
 #include "missassembler/mnemonics.h"
 
@@ -51,11 +52,19 @@ constexpr auto sFlowKinds = std::to_array<FlowKind>({
     shortdecrement("DBF "), shortdecrement("DBT "),
 });
 
+// What all of them begin with, which is sooner seen than that none of them fits.
+constexpr std::string_view cFirstLetters = "BDJR";
+
+constexpr bool hasfirstletter(std::string_view text) {
+    return !text.empty() && cFirstLetters.find(text[0]) != std::string_view::npos;
+}
+
+static_assert(std::ranges::all_of(sFlowKinds, hasfirstletter, &FlowKind::cPrefix));
+
 } // namespace
 
 const FlowKind* flowkind(std::string_view text) {
-    // All of them begin with one of four letters, which is sooner seen than that none of them fits.
-    if (text.empty() || std::string_view("BDJR").find(text[0]) == std::string_view::npos) return nullptr;
+    if (!hasfirstletter(text)) return nullptr;
     const auto found = std::ranges::find_if(
         sFlowKinds, [text](const FlowKind& kind) { return text.starts_with(kind.cPrefix); });
     return found == sFlowKinds.end() ? nullptr : &*found;
@@ -77,7 +86,7 @@ struct Instruction {
 // The target of an instruction spelt `text`; none when the text does not tell it.
 std::optional<uint32_t> targetof(const FlowKind& kind, const char* text) {
     const std::string_view spelt = text;
-    const bool isrelative = spelt.find("(PC)") != std::string_view::npos;
+    const bool isrelative = spelt.find(cMarker) != std::string_view::npos;
     if (!isrelative && (kind.isdecrement || spelt.find('(') != std::string_view::npos)) return std::nullopt;
     const size_t place = std::min(static_cast<size_t>(kind.iTarget), spelt.size());
     const uint32_t target = hex6toi(text + place);

@@ -72,10 +72,9 @@ void addcomponenthints(Walk& walk) {
     const int32_t section = readinisection(*ini, cHintSection);
     if (section < 0) return message(kTrace, "No official missasembler hints in component INI file\n");
     message(kTrace, "Section:%s\n", cHintSection);
-    message(kTrace, "Section has %d lines\n", ini->items(section));
-    const int32_t first = ini->firstline(section);
-    for (int32_t number = first; number < first + ini->items(section); ++number) {
-        const std::string line = ini->line(number);
+    const IniLines lines = ini->lines(section);
+    message(kTrace, "Section has %d lines\n", lines.size());
+    for (const std::string line : lines) {
         message(kAlways, "MissHint:%s\n", line.c_str());
         if (const auto entry = hintvalue(line, cEntryPoint)) addentryhint(walk, *entry);
         if (const auto label = hintvalue(line, cLabel)) addlabelhint(walk, *label);
@@ -132,12 +131,10 @@ void addjumptable(Walk& walk, const std::string& value) {
 void addromhints(Walk& walk) {
     const auto ini = loadinifile(findhashfile(cHintFile));
     if (!ini) return message(kTrace, "No entrypoint ROM  missasembler hints file (misshints.ini)\n");
-    const std::string name = formatted("0x%08x", walk.slot.iCRC32);
+    const std::string name = hexlong(walk.slot.iCRC32);
     const int32_t section = readinisection(*ini, name.c_str());
     if (section < 0) return message(kAlways, "No misassembler hints for ROM with CRC32 %s\n", name.c_str());
-    const int32_t first = ini->firstline(section);
-    for (int32_t number = first; number < first + ini->items(section); ++number) {
-        const std::string line = ini->line(number);
+    for (const std::string line : ini->lines(section)) {
         message(kDetail, "Section Line:%s\n", line.c_str());
         if (const auto entry = hintvalue(line, cEntryPoint)) addromentry(walk, *entry);
         if (const auto table = hintvalue(line, cJumpTable)) addjumptable(walk, *table);

@@ -18,7 +18,7 @@ void ListingFile::print(const std::string& line) {
 }
 
 void ListingFile::close() {
-    file.write({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+    file.write(textbytes(text));
     if (!file.close()) reportnotwritten(cListingFile);
 }
 

@@ -28,9 +28,7 @@ std::optional<std::vector<Mnemonic>> parsemnemonics(const IniFile& ini) {
     const int32_t section = readinisection(ini, cMnemonicSection);
     if (section < 0) return std::nullopt;
     std::vector<Mnemonic> entries;
-    const int32_t first = ini.firstline(section);
-    for (int32_t line = first; line < first + ini.items(section); ++line) {
-        const std::string_view text = ini.line(line);
+    for (const std::string_view text : ini.lines(section)) {
         if (text.empty()) break;
         entries.push_back(parsemnemonic(text));
     }

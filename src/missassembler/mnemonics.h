@@ -65,7 +65,6 @@ public:
     /// Whether that file has a section "mnemonics".
     [[nodiscard]] bool hasmnemonics() const { return hassection; }
 
-    [[nodiscard]] const std::vector<Mnemonic>& entries() const { return sMnemonic; }
     [[nodiscard]] int32_t iMnemonicCnt() const { return static_cast<int32_t>(sMnemonic.size()); }
 
     /// The first entry that matches `opcode`; null when none does.

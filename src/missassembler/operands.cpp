@@ -59,8 +59,27 @@ uint32_t fetch(InstructionBytes& bytes, Fetch what, std::span<const uint32_t> va
 }
 
 size_t longest(Piece::Kind kind) {
-    constexpr std::array<uint8_t, 11> lengths = {0, 2, 4, 8, 8, 10, 16, 16, 16, 36, 36};
-    return lengths[kind];
+    switch (kind) {
+    case Piece::Literal:
+        break;
+    case Piece::Byte:
+        return 2;
+    case Piece::Word:
+        return 4;
+    case Piece::Long:
+    case Piece::Extension:
+        return 8;
+    case Piece::Index:
+        return 10;
+    case Piece::Displacement:
+    case Piece::ToControl:
+    case Piece::FromControl:
+        return 16;
+    case Piece::Registers:
+    case Piece::RegistersTurned:
+        return iPieceMost;
+    }
+    return 0;
 }
 
 char* writehex(char* out, uint32_t value, int digits) {

@@ -58,8 +58,11 @@ struct Piece {
     uint16_t extension = 0; ///< which of them is the extension word of a displacement
 };
 
-/// The most characters that a piece, no literal, can have: of any kind, and of one.
-inline constexpr size_t iPieceMost = 40;
+/// Room for a piece of any kind, in characters: for a register list, in which at most twelve registers stand
+/// by themselves, each with a slash before it while the list is made.
+inline constexpr size_t iPieceMost = 36;
+
+/// Room for a piece of `kind`, in characters; 0 for a literal, which knows its own length.
 [[nodiscard]] size_t longest(Piece::Kind kind);
 
 /// Writes the piece, no literal, at `out` and returns where it ends. Room for `longest` characters.

@@ -5,7 +5,6 @@
 #include "base/text.h"
 #include "component/extract.h"
 #include "missassembler/bounds.h"
-#include "missassembler/entrypoints.h"
 #include "missassembler/labels.h"
 #include "rom/romtag.h"
 #include "rom/store.h"

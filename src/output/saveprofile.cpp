@@ -3,10 +3,10 @@
 #include "base/bytes.h"
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "output/burnlayouts.h"
 #include "output/profile.h"
 #include "rom/layout.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "rom/store.h"
-#include "shell/settings.h"
 
 namespace vantorel {
 

@@ -2,14 +2,15 @@
 
 #include "base/files.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "component/extract.h"
+#include "component/relocs.h"
 #include "hash/crc32.h"
 #include "hash/hashfile.h"
 #include "hash/ini.h"
 #include "rom/header.h"
 #include "rom/store.h"
 #include "shell/numbers.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <string_view>
@@ -22,8 +23,6 @@ namespace {
 constexpr int32_t iByteMost = 255;
 constexpr int32_t iWordMost = 65535;
 constexpr const char* cBcplSection = "BCPL";
-// Where the number of a line of that section begins: behind "RELOC=".
-constexpr size_t iBcplNumber = 6;
 
 bool iseven(size_t streamsize) { return (iRtbHeader + streamsize) % 2 == 0; }
 
@@ -163,13 +162,14 @@ void Gatherer::addbcpl(const Component& component) {
 }
 
 void Gatherer::addsection(const IniFile& ini, int32_t section, int32_t start) {
-    const int32_t first = ini.firstline(section);
-    const int32_t lines = ini.items(section);
+    const IniLines lines = ini.lines(section);
     message(kTrace, "BCPL relocs found\n");
-    message(kProgress, "BCPL Relocs=%d in section %d starts at line=%d\n", lines, section, first);
-    for (int32_t line = first; line < first + lines; ++line) {
-        const std::string_view text = ini.line(line);
-        const int32_t place = text.size() > iBcplNumber ? decimal(text.data() + iBcplNumber) : 0;
+    message(kProgress, "BCPL Relocs=%d in section %d starts at line=%d\n", lines.size(), section,
+            ini.firstline(section));
+    for (const std::string_view text : lines) {
+        // The number stands behind "RELOC=", whatever is there.
+        const bool hasnumber = text.size() > cRelocKey.size();
+        const int32_t place = hasnumber ? decimal(text.data() + cRelocKey.size()) : 0;
         message(kAlways, "BCPL Reloc=%d\n", place);
         bcpl.push_back(static_cast<uint32_t>(start) + static_cast<uint32_t>(place));
     }
@@ -204,6 +204,9 @@ void appendbcpl(Bytes& bytes, std::span<const uint32_t> places) {
     appendlong(bytes, 0);
 }
 
+// What stands behind the stream, less the BCPL places: two longs before them and one behind them.
+constexpr int32_t iEndLongs = 3 * 4;
+
 // The whole file of slot `rom`, whose image is large enough. `counted` is how many bytes of it the user is
 // told of: BCPL places have never been counted.
 Bytes rtbfile(int32_t rom, int32_t& counted) {
@@ -215,7 +218,7 @@ Bytes rtbfile(int32_t rom, int32_t& counted) {
     bytes.resize(iRtbHeader);
     const Bytes stream = rtbstream(gatherer.entries);
     bytes.insert(bytes.end(), stream.begin(), stream.end());
-    counted = static_cast<int32_t>(bytes.size()) + 12;
+    counted = static_cast<int32_t>(bytes.size()) + iEndLongs;
     appendlong(bytes, 0);
     appendlong(bytes, 0xFFFFFFFF);
     appendbcpl(bytes, gatherer.bcpl);

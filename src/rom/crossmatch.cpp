@@ -3,6 +3,7 @@
 #include "base/message.h"
 #include "component/extract.h"
 #include "rom/adopt.h"
+#include "rom/likeness.h"
 #include "rom/store.h"
 
 #include <algorithm>
@@ -14,27 +15,6 @@ namespace {
 
 // Two libraries are worth comparing when this many characters of their id strings agree.
 constexpr size_t iLikeness = 12;
-
-// How many bytes of `extract` the image has at `start`, where it would run at `address`: a long that differs
-// from the extract's by just that address counts whole, any other byte for itself.
-int32_t countmatches(View image, int64_t start, uint32_t address, View extract) {
-    int32_t count = 0;
-    const auto size = static_cast<int64_t>(extract.size());
-    for (int64_t at = 0; at < size;) {
-        const auto mine = longat(image, start + at);
-        const auto theirs = longat(extract, at);
-        if (mine && theirs && *mine - address == *theirs) {
-            count += 4;
-            at += 4;
-            continue;
-        }
-        const bool same = isinside(image, start + at, 1) &&
-                          image[static_cast<size_t>(start + at)] == extract[static_cast<size_t>(at)];
-        if (same) ++count;
-        ++at;
-    }
-    return count;
-}
 
 // A component of another slot.
 struct Other {
@@ -109,8 +89,10 @@ private:
         message(kResult, "Check source %d:%d @%08x with %d:%d @%08x\n", rom, number,
                 static_cast<uint32_t>(start), other.rom, other.number,
                 static_cast<uint32_t>(other.component.iStart));
-        const int32_t count =
-            countmatches(slot.pcROM, start, slot.iROMBase + static_cast<uint32_t>(start), extract);
+        // An extract is relative to where it runs.
+        const uint32_t address = slot.iROMBase + static_cast<uint32_t>(start);
+        const int32_t count = countlike(slot.pcROM, start, extract, 0, static_cast<int64_t>(extract.size()),
+                                        address, [](int32_t /*place*/) {});
         work += static_cast<int64_t>(extract.size()) + iComparisonCost;
         message(kResult, "Match %d of %d\n", count, other.component.iSize);
         return count == other.component.iSize && isinside(slot.pcROM, start, other.component.iSize);

@@ -159,11 +159,11 @@ void addmodules(KickstartRom& slot, uint32_t base, bool hassplit) {
 void addfixedstructures(KickstartRom& slot, const FixedStructures& fixed) {
     auto& components = slot.psComponents;
     if (fixed.haschecksum)
-        components.push_back(fixedcomponent(cTypeChecksum, slot.iUsed - iChecksumFromEnd, 4,
-                                            formatted("0x%08x", fixed.iComputed)));
+        components.push_back(
+            fixedcomponent(cTypeChecksum, slot.iUsed - iChecksumFromEnd, 4, hexlong(fixed.iComputed)));
     if (fixed.hassize)
-        components.push_back(fixedcomponent(cTypeSize, slot.iUsed - iSizeFromEnd, 4,
-                                            formatted("0x%08x", fixed.iInternalSize)));
+        components.push_back(
+            fixedcomponent(cTypeSize, slot.iUsed - iSizeFromEnd, 4, hexlong(fixed.iInternalSize)));
     if (fixed.hasvectors) {
         const int32_t start = slot.iUsed - iVectorsFromEnd;
         components.push_back(fixedcomponent(cTypeVectors, start, iVectorsFromEnd,

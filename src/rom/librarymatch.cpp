@@ -42,8 +42,7 @@ bool describe(const IniFile& ini, const KickstartRom& slot, Component& component
     component.ipRelocs.clear();
     const int32_t section = readinisection(ini, cRelocSection);
     if (section >= 0) {
-        message(kProgress, "Relocs=%d in section %d starts at line=%d\n", ini.items(section), section,
-                ini.firstline(section));
+        tellrelocs(ini, section);
         component.ipRelocs = relocsofsection(ini, section);
     }
     return isinside(slot.pcROM, start, component.iSize);
@@ -53,7 +52,7 @@ bool describe(const IniFile& ini, const KickstartRom& slot, Component& component
 std::string formname(const KickstartRom& slot, Component& component, const std::string& key) {
     droprelocsoutside(component.ipRelocs, component.iSize);
     component.pcExtract = extractof(slot, component);
-    return formatted("0x%08x.%s", crc32buf(loadablelibraryform(component)), key.c_str());
+    return hexlong(crc32buf(loadablelibraryform(component))) + "." + key;
 }
 
 // Trying files is worth its time up to this many bytes of them in an analysis. Each counts for some bytes

@@ -34,7 +34,7 @@ std::optional<Bytes> readwhole(const std::string& path) {
 }
 
 std::optional<IniFile> hashfileof(View data) {
-    const std::string name = formatted("0x%08x", crc32buf(data));
+    const std::string name = hexlong(crc32buf(data));
     message(kProgress, "Look for Hashfile:%s\n", name.c_str());
     return loadinifile(findhashfile(name.c_str()));
 }

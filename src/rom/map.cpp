@@ -100,16 +100,14 @@ std::optional<MapLine> splitline(const char* line) {
 // The relocs of section `section`, up to the first line that is none.
 std::vector<int32_t> readrelocs(const IniFile& ini, int32_t section) {
     std::vector<int32_t> relocs;
-    const int32_t count = ini.items(section);
-    message(kProgress, "Relocs=%d in section %d starts at line=%d\n", count, section, ini.firstline(section));
-    for (int32_t item = 0; item < count; ++item) {
-        const char* line = ini.line(ini.firstline(section) + item);
+    tellrelocs(ini, section);
+    for (const char* const line : ini.lines(section)) {
         message(kRaw, "INI File=%s\n", line);
         if (!std::string_view(line).starts_with(cRelocKey)) {
             message(kProgress,
                     "Missing RELOC=, early end of section, abandoning any more relocs, setting reloc count "
                     "to %d\n",
-                    item);
+                    static_cast<int32_t>(relocs.size()));
             break;
         }
         relocs.push_back(decimal(line + cRelocKey.size()));
@@ -139,11 +137,10 @@ public:
     explicit MapReader(int32_t slotnumber) : rom(slotnumber), slot(*findslot(slotnumber)) {}
 
     void read(const IniFile& ini, int32_t section) {
-        const int32_t first = ini.firstline(section);
-        const int32_t count = ini.items(section);
-        slot.psComponents.reserve(static_cast<size_t>(count));
-        for (int32_t number = 0; number < count; ++number)
-            slot.psComponents.push_back(readline(number, ini.line(first + number)));
+        const IniLines lines = ini.lines(section);
+        slot.psComponents.reserve(static_cast<size_t>(lines.size()));
+        for (const char* const line : lines)
+            slot.psComponents.push_back(readline(slot.iComponents(), line));
     }
 
 private:
@@ -183,7 +180,7 @@ private:
                 static_cast<int32_t>(component.iEnd()));
         taketag(slot, component);
         component.iCRC32 = crc32buf(*component.pcExtract);
-        message(kProgress, "CRC:%s\n", formatted("0x%08x", component.iCRC32).c_str());
+        message(kProgress, "CRC:0x%08x\n", component.iCRC32);
     }
 
     // Whether the range lies in the image, and the map claims no more of it than a sound one; an error line
@@ -210,12 +207,12 @@ private:
 void readcomponents(int32_t rom, const IniFile& ini) {
     const int32_t section = readinisection(ini, cComponentsSection);
     if (section < 0) return;
-    const int32_t count = ini.items(section);
+    const int32_t count = ini.lines(section).size();
     if (count > iComponentsMost) {
         message(kResult, "ERROR: A map of %d components is more than a ROM can hold\n", count);
         return;
     }
-    message(kTrace, "Section:%s\n", ini.line(ini.firstline(section) - 1));
+    message(kTrace, "Section:%s\n", ini.head(section));
     message(kRaw, "Allocating space for %d components (%lu bytes)\n", count,
             static_cast<unsigned long>(static_cast<size_t>(count) * sizeof(Component)));
     MapReader(rom).read(ini, section);
@@ -223,7 +220,7 @@ void readcomponents(int32_t rom, const IniFile& ini) {
 
 void applyhashfile(int32_t rom) {
     KickstartRom& slot = *findslot(rom);
-    const std::string name = formatted("0x%08x", slot.iCRC32);
+    const std::string name = hexlong(slot.iCRC32);
     message(kProgress, "Load ROMData, look for Hashfile:%s\n", name.c_str());
     const auto ini = loadinifile(findhashfile(name.c_str()));
     if (!ini) {

@@ -39,19 +39,18 @@ std::string nameat(View image, uint32_t pointer, uint32_t base) {
     return textat(image, offset);
 }
 
-// Fields of the auto-init table at RT_INIT, in bytes from its start.
-constexpr int64_t iDataSize = 0;
-constexpr int64_t iVectorTable = 4;
-constexpr int64_t iInitStructure = 8;
-constexpr int64_t iInitFunction = 12;
+// The long at byte `field` of the table, which may begin anywhere in 32 bits; 0 for one outside the image.
+uint32_t autoinitlong(View image, uint32_t table, int32_t field) {
+    return longat(image, int64_t{table} + field).value_or(0);
+}
 
 void narrateautoinit(View image, uint32_t table, uint32_t base) {
-    const uint32_t vectors = longat(image, table + iVectorTable).value_or(0) - base;
-    message(kTrace, "Autoinit DataSize     =%08x\n", longat(image, table + iDataSize).value_or(0));
+    const uint32_t vectors = autoinitlong(image, table, AutoInit::iVectors) - base;
+    message(kTrace, "Autoinit DataSize     =%08x\n", autoinitlong(image, table, AutoInit::iDataSize));
     message(kTrace, "Autoinit VectorTable  =%08x\n", vectors);
     message(kTrace, "Autoinit InitStructure=%08x\n",
-            longat(image, table + iInitStructure).value_or(0) - base);
-    message(kTrace, "Autoinit InitFunction =%08x\n", longat(image, table + iInitFunction).value_or(0) - base);
+            autoinitlong(image, table, AutoInit::iInitStruct) - base);
+    message(kTrace, "Autoinit InitFunction =%08x\n", autoinitlong(image, table, AutoInit::iInit) - base);
     message(kTrace, "First Vector=%08x\n", longat(image, vectors).value_or(0));
 }
 

@@ -31,6 +31,19 @@ inline constexpr uint8_t cAfterDos = 1 << 2;
 inline constexpr uint8_t cAutoInit = 1 << 7;
 } // namespace RomTag
 
+/// The longs of the table that RT_INIT points to with RTF_AUTOINIT, in bytes from its first.
+namespace AutoInit {
+inline constexpr int32_t iDataSize = 0;
+inline constexpr int32_t iVectors = 4;    ///< CPU address of the vector table
+inline constexpr int32_t iInitStruct = 8; ///< CPU address of an InitStruct table; 0: none
+inline constexpr int32_t iInit = 12;      ///< CPU address of LibraryInit; 0: none
+} // namespace AutoInit
+
+/// Ends a vector table of addresses.
+inline constexpr uint32_t iVectorsEnd = 0xFFFFFFFF;
+/// Begins and ends a vector table of words, each the distance of a function from the table.
+inline constexpr uint16_t iWordVectors = 0xFFFF;
+
 /// A ROMTAG found in an image.
 struct RomTagInfo {
     uint32_t iOffset = 0;  ///< image offset of the tag

@@ -47,7 +47,7 @@ int32_t newrom(int32_t size, uint8_t fill) {
 }
 
 std::string identityname(const KickstartRom& slot) {
-    return formatted("0x%08x.%s", slot.iCRC32, shown(slot.pcTitle));
+    return hexlong(slot.iCRC32) + "." + shown(slot.pcTitle);
 }
 
 int romname(int32_t rom, const std::string& text) {

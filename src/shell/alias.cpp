@@ -39,7 +39,7 @@ void storesum(const std::string& name, uint32_t change) {
     const std::string* value = requirealias(name);
     if (value == nullptr) return;
     const uint32_t old = Hex2iUINT32(value->c_str() + std::min<size_t>(2, value->size()));
-    alias(name, formatted("0x%08x", old + change));
+    alias(name, hexlong(old + change));
 }
 
 } // namespace

@@ -91,7 +91,7 @@ int find(int32_t rom, uint32_t start, uint32_t end, const std::string& hextext) 
         message(kResult, "Not found\n");
         return 1;
     }
-    const std::string place = formatted("0x%08x", static_cast<uint32_t>(found));
+    const std::string place = hexlong(static_cast<uint32_t>(found));
     message(kProgress, "find, found at %d [%s]\n", static_cast<int32_t>(found), place.c_str());
     alias("FIND", place);
     return 0;

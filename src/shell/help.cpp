@@ -1,7 +1,7 @@
 #include "shell/help.h"
 
 #include "base/message.h"
-#include "shell/settings.h"
+#include "base/settings.h"
 
 #include <array>
 

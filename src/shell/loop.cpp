@@ -1,10 +1,10 @@
 #include "shell/loop.h"
 
 #include "base/message.h"
+#include "base/settings.h"
 #include "base/text.h"
 #include "hash/library.h"
 #include "shell/commands.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <cerrno>

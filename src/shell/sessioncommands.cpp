@@ -1,11 +1,11 @@
 // The commands of the session itself.
 
 #include "base/message.h"
+#include "base/settings.h"
 #include "shell/arguments.h"
 #include "shell/commandset.h"
 #include "shell/help.h"
 #include "shell/reset.h"
-#include "shell/settings.h"
 #include "shell/tokens.h"
 
 #include <array>

@@ -46,7 +46,7 @@ struct Substitution {
         at += length;
     }
 
-    void replacebynumber(size_t length, uint32_t value) { replace(length, formatted("0x%08x", value)); }
+    void replacebynumber(size_t length, uint32_t value) { replace(length, hexlong(value)); }
 };
 
 bool replacealias(Substitution& line) {

@@ -4,7 +4,7 @@
 
 #include "adf/loaded.h"
 #include "adf/zipreader.h"
-#include "shell/settings.h"
+#include "base/settings.h"
 
 #include <algorithm>
 #include <cstdlib>

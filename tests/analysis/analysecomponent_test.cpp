@@ -230,10 +230,10 @@ TEST_F(AnalyseComponentTest, TheBcplListingIsASectionOfAHashFile) {
     const IniFile ini = parseini({file.begin(), file.end()});
     const int32_t number = readinisection(ini, "BCPL");
     ASSERT_EQ(number, 1);
-    ASSERT_EQ(ini.items(number), 3);
-    EXPECT_STREQ(ini.line(ini.firstline(number)), "RELOC=0 #0");
-    EXPECT_STREQ(ini.line(ini.firstline(number) + 1), "RELOC=8 #12");
-    EXPECT_STREQ(ini.line(ini.firstline(number) + 2), "RELOC=12 #4");
+    std::vector<std::string> lines;
+    for (const char* const line : ini.lines(number))
+        lines.emplace_back(line);
+    EXPECT_EQ(lines, (std::vector<std::string>{"RELOC=0 #0", "RELOC=8 #12", "RELOC=12 #4"}));
 }
 
 TEST_F(AnalyseComponentTest, RelocsThatAreThereStay) {

@@ -12,6 +12,14 @@ const Bytes counting = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
 
 } // namespace
 
+TEST(TextBytes, EachCharacterIsAByte) {
+    const std::string_view text("A\0\xFF", 3);
+    const View bytes = textbytes(text);
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.end()), (Bytes{0x41, 0x00, 0xFF}));
+    EXPECT_EQ(static_cast<const void*>(bytes.data()), text.data()) << "nothing is copied";
+    EXPECT_TRUE(textbytes("").empty());
+}
+
 TEST(ByteOrder, LongsAreReadMostSignificantByteFirst) {
     EXPECT_EQ(iUINT32(counting.data()), 0x01234567U);
     EXPECT_EQ(iUINT32(counting.data() + 4), 0x89ABCDEFU);

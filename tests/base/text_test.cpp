@@ -34,6 +34,12 @@ TEST(Cut, ATextIsAsLongAsItMayBe) {
     EXPECT_EQ(cut("kick", 0), "");
 }
 
+TEST(HexLong, EightSmallDigitsStandBehindAPrefix) {
+    EXPECT_EQ(hexlong(0x89ABCDEF), "0x89abcdef");
+    EXPECT_EQ(hexlong(0x1F), "0x0000001f");
+    EXPECT_EQ(hexlong(0), "0x00000000");
+}
+
 TEST(JoinPath, ASlashStandsBetweenDirectoryAndName) {
     EXPECT_EQ(joinpath("a/b", "c"), "a/b/c");
     EXPECT_EQ(joinpath("", "c"), "/c");

@@ -47,6 +47,23 @@ TEST_F(ExtractTest, AddressesBelowTheComponentWrapAround) {
     EXPECT_EQ(longat(*componentat(0, 0).pcExtract, 12), 0xFFFFFFE0u);
 }
 
+TEST_F(ExtractTest, AnAddressPointsIntoTheComponentUpToTheFirstByteBehindIt) {
+    // 16 bytes run at 0xF80020.
+    const auto points = [](uint32_t value) { return pointsinto(slotat(0), componentat(0, 0), value); };
+    EXPECT_FALSE(points(0xF8001F));
+    EXPECT_TRUE(points(0xF80020));
+    EXPECT_TRUE(points(0xF80030));
+    EXPECT_FALSE(points(0xF80031));
+    EXPECT_FALSE(points(0x20)) << "an image offset is no address";
+    EXPECT_FALSE(points(0xFFFFFFFF));
+}
+
+TEST_F(ExtractTest, AnEmptyComponentIsPointedToByItsOwnAddressAlone) {
+    componentat(0, 0).iSize = 0;
+    EXPECT_TRUE(pointsinto(slotat(0), componentat(0, 0), 0xF80020));
+    EXPECT_FALSE(pointsinto(slotat(0), componentat(0, 0), 0xF80021));
+}
+
 TEST_F(ExtractTest, WithoutRelocsItIsACopy) {
     EXPECT_EQ(createextract(0, 0), 0);
     EXPECT_EQ(componentat(0, 0).pcExtract, bytes);

@@ -19,6 +19,14 @@ TEST(RelocSection, TheNumberStandsBehindSixCharacters) {
     EXPECT_EQ(relocsof("reloc:7\nxxxxxx 8\n"), (std::vector<int32_t>{7, 8})) << "whatever they are";
 }
 
+TEST(RelocSection, HowManyLinesThereAreAndWhereIsToldAsProgress) {
+    const std::string text = "[Description]\nSize=8\n[RELOC32]\nRELOC=4\n\n[Display]\n";
+    const IniFile ini = parseini({text.begin(), text.end()});
+    const Action tell = [&] { tellrelocs(ini, 1); };
+    EXPECT_EQ(at(2, tell), "Relocs=2 in section 1 starts at line=3\n");
+    EXPECT_EQ(at(1, tell), "");
+}
+
 TEST(RelocSection, OrderAndRepetitionAreKept) {
     EXPECT_EQ(relocsof("RELOC=12\nRELOC=4\nRELOC=12\n"), (std::vector<int32_t>{12, 4, 12}));
 }
@@ -64,6 +72,7 @@ TEST_F(LoadRelocsTest, WithoutAFileThereAreNone) {
     EXPECT_EQ(loadrelocs("0x12345678"), Relocs{}) << "nothing is indexed";
     write("0x12345678", "RELOC=4\n");
     EXPECT_EQ(loadrelocs("0x12345679"), Relocs{});
+    EXPECT_EQ(loadrelocs(std::nullopt), Relocs{});
     EXPECT_FALSE(has(at(10, [] { static_cast<void>(loadrelocs("0x87654321")); }), "Loading relocs"));
 }
 

@@ -1,5 +1,6 @@
 // Components written to files: what stands in each, what is said, and what is refused.
 
+#include "base/settings.h"
 #include "component/loadable.h"
 #include "component/loadcomponent.h"
 #include "component/placement.h"
@@ -7,7 +8,6 @@
 #include "component/slotstate.h"
 #include "shell/commands.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 #include "support/hunkbuilder.h"
 
 #include <algorithm>

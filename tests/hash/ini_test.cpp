@@ -24,6 +24,13 @@ std::vector<std::string> lines(const IniFile& ini) {
     return texts;
 }
 
+std::vector<std::string> lines(const IniFile& ini, int32_t section) {
+    std::vector<std::string> texts;
+    for (const char* const line : ini.lines(section))
+        texts.emplace_back(line);
+    return texts;
+}
+
 using Texts = std::vector<std::string>;
 using Numbers = std::vector<int32_t>;
 
@@ -89,10 +96,20 @@ TEST(Ini, SectionsRememberTheirHeadsAndItemCounts) {
     EXPECT_EQ(ini.ipSections, (Numbers{1, 5, 6}));
     EXPECT_EQ(ini.ipItems, (Numbers{3, 0, 1}));
     EXPECT_EQ(ini.firstline(0), 2);
-    EXPECT_EQ(ini.items(2), 1);
-    EXPECT_STREQ(ini.line(ini.firstline(2)), "c=1");
+    EXPECT_STREQ(ini.head(1), "B");
     EXPECT_EQ(lines(ini), (Texts{"before=1", "A", "a=1", "; no comment", "", "B", "C", "c=1"}));
 }
+
+TEST(IniLines, ASectionHasItsOwnLinesInTheirOrder) {
+    const IniFile ini = parsed("before=1\n[A]\na=1\n\na=2\n[B]\n[C]\nc=1");
+    EXPECT_EQ(lines(ini, 0), (Texts{"a=1", "", "a=2"}));
+    EXPECT_EQ(lines(ini, 1), Texts{});
+    EXPECT_EQ(lines(ini, 2), Texts{"c=1"});
+    EXPECT_EQ(ini.lines(0).size(), 3);
+    EXPECT_EQ(ini.lines(1).size(), 0);
+}
+
+TEST(IniLines, TheLastSectionMayBeEmpty) { EXPECT_EQ(lines(parsed("[A]\na=1\n[B]"), 1), Texts{}); }
 
 TEST(Ini, LineOffsetsOfHeadsStandBehindTheBracket) {
     const IniFile ini = parsed("a\n[B]\nc\n");

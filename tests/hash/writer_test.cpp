@@ -2,8 +2,8 @@
 
 #include "hash/writer.h"
 
+#include "base/settings.h"
 #include "rom/romtest.h"
-#include "shell/settings.h"
 
 #include <cstdint>
 #include <filesystem>

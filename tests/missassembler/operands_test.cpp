@@ -6,6 +6,7 @@
 #include "missassembler/misstest.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 
 namespace vantorel::test {
@@ -22,6 +23,32 @@ protected:
         return decoded(onetemplate(instruction, sections), image);
     }
 };
+
+// The longest text of a piece over all that its word, and for a displacement its extension word, can be.
+size_t longestwritten(Piece::Kind kind) {
+    size_t most = 0;
+    std::array<char, 64> text;
+    for (uint32_t word = 0; word <= 0xFFFF; ++word) {
+        const std::array<uint32_t, 2> values = {word, word};
+        const char* const end = writepiece(text.data(), {.kind = kind, .value = 0, .extension = 1}, values);
+        most = std::max(most, static_cast<size_t>(end - text.data()));
+    }
+    return most;
+}
+
+TEST(Pieces, TheRoomForAPieceIsWhatItsLongestTextTakes) {
+    for (const Piece::Kind kind : {Piece::Byte, Piece::Word, Piece::Long, Piece::Extension, Piece::Index,
+                                   Piece::Displacement, Piece::ToControl, Piece::FromControl})
+        EXPECT_EQ(longest(kind), longestwritten(kind)) << kind;
+    EXPECT_EQ(longest(Piece::Literal), 0U);
+}
+
+TEST(Pieces, TheRoomForARegisterListIsOneMoreThanTheLongestTakes) {
+    for (const Piece::Kind kind : {Piece::Registers, Piece::RegistersTurned}) {
+        EXPECT_EQ(longestwritten(kind), 35U) << kind;
+        EXPECT_EQ(longest(kind), 36U) << "the slash before the first";
+    }
+}
 
 TEST_F(OperandsTest, BytesWordsAndLongsInTheirOrder) {
     const Bytes bytes = {0x1A, 0x2B, 0x3C, 0x4D, 0x5E, 0x6F, 0x70};

@@ -3,6 +3,7 @@
 #include "missassembler/structurelabels.h"
 
 #include "missassembler/onepass.h"
+#include "missassembler/walktest.h"
 
 namespace vantorel::test {
 namespace {

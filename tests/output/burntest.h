@@ -2,11 +2,11 @@
 // The fixture for tests of burn profiles: ROMs made of noise, burnt into a folder of their own.
 
 #include "base/message.h"
+#include "base/settings.h"
 #include "output/burnmodel.h"
 #include "output/profile.h"
 #include "output/saveprofile.h"
 #include "rom/romtest.h"
-#include "shell/settings.h"
 #include "support/noise.h"
 
 #include <filesystem>

@@ -1,5 +1,6 @@
 // A ROM built from modules, described by hash files and saved is known again when it is loaded.
 
+#include "base/settings.h"
 #include "build/virtualcomponents.h"
 #include "component/addlibrary.h"
 #include "component/placement.h"
@@ -9,7 +10,6 @@
 #include "rom/load.h"
 #include "rom/rombase.h"
 #include "rom/romtest.h"
-#include "shell/settings.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -2,9 +2,9 @@
 
 #include "output/savertb.h"
 
+#include "base/settings.h"
 #include "component/slotstate.h"
 #include "output/rtbreader.h"
-#include "shell/settings.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,10 +1,10 @@
 // The commands that build, save and burn ROMs: their words, numbers and messages.
 
 #include "base/message.h"
+#include "base/settings.h"
 #include "output/profile.h"
 #include "rom/store.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 
 #include <filesystem>
 

@@ -26,8 +26,6 @@ SplitPath split(const std::string& path) {
 
 uint32_t upper(char c) { return static_cast<uint8_t>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
 
-View viewof(std::string_view text) { return {reinterpret_cast<const uint8_t*>(text.data()), text.size()}; }
-
 uint32_t number(int32_t block) { return static_cast<uint32_t>(block); }
 
 } // namespace
@@ -66,7 +64,7 @@ int32_t DiskBuilder::addfile(const std::string& path, View bytes, AmigaTime time
 }
 
 int32_t DiskBuilder::addfile(const std::string& path, std::string_view text, AmigaTime time) {
-    return addfile(path, viewof(text), time);
+    return addfile(path, textbytes(text), time);
 }
 
 int32_t DiskBuilder::adddirectory(const std::string& path, AmigaTime time) {

@@ -2,12 +2,12 @@
 
 #include "adf/directory.h"
 #include "base/message.h"
+#include "base/settings.h"
 #include "missassembler/bounds.h"
 #include "missassembler/decode.h"
 #include "missassembler/labels.h"
 #include "output/profile.h"
 #include "shell/reset.h"
-#include "shell/settings.h"
 #include "support/capture.h"
 
 namespace vantorel::test {

@@ -56,7 +56,7 @@ int32_t pointercount(const ModuleSpec& spec) {
 }
 
 uint32_t seedof(const ModuleSpec& spec) {
-    const View name(reinterpret_cast<const uint8_t*>(spec.name.data()), spec.name.size());
+    const View name = textbytes(spec.name);
     const uint32_t seed = spec.seed != 0 ? spec.seed : crc32of(name);
     return seed != 0 ? seed : 1;
 }

@@ -1,10 +1,10 @@
 #include "support/fresh.h"
 
 #include "base/message.h"
+#include "base/settings.h"
 #include "hash/library.h"
 #include "rom/store.h"
 #include "shell/alias.h"
-#include "shell/settings.h"
 #include "support/capture.h"
 #include "support/tempdir.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-// The settings of a session.
+// The settings of a session: where its output goes, and where its files.
 
 #include <cstdint>
 #include <string>
