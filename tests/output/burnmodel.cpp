@@ -1,6 +1,7 @@
 #include "output/burnmodel.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -98,38 +99,37 @@ void mirror(Bytes& buffer, size_t chip) {
     }
 }
 
-// The files of one chunk, opened anew.
-struct Pair {
-    Bytes* high;
-    Bytes* low;
-};
-
-Pair reopen(Files& files, const BurnOrder& order, const std::string& name, const std::string& suffix) {
-    const auto fresh = [&](const std::string& path) {
-        files[path].clear();
-        return &files[path];
-    };
-    if (order.type == iDualType)
-        return {fresh(name + ".hi" + suffix + ".bin"), fresh(name + ".lo" + suffix + ".bin")};
-    const bool isdisk = order.type == iSuperkickType || order.type == iA1000Type;
-    Bytes* file = fresh(isdisk ? name + ".adf" : name + suffix + ".bin");
-    return {file, file};
+// Every other word, beginning with the first one or the second.
+Bytes everyotherword(std::span<const uint8_t> piece, size_t first) {
+    Bytes words;
+    for (size_t place = 2 * first; place < piece.size(); place += 4)
+        for (const uint8_t byte : piece.subspan(place, std::min<size_t>(2, piece.size() - place)))
+            words.push_back(byte);
+    return words;
 }
 
-Files inchunks(const Bytes& buffer, const BurnOrder& order, const std::string& name, size_t chip) {
-    std::string suffix = chip != 0 && buffer.size() / chip >= 2 ? ".0" : "";
+// One piece into its file or files, which are made anew where there are some of that name.
+void write(Files& files, const BurnOrder& order, const std::string& name, const std::string& suffix,
+           std::span<const uint8_t> piece) {
+    if (order.type == iDualType) {
+        files[name + ".hi" + suffix + ".bin"] = everyotherword(piece, 0);
+        files[name + ".lo" + suffix + ".bin"] = everyotherword(piece, 1);
+        return;
+    }
+    const bool isdisk = order.type == iSuperkickType || order.type == iA1000Type;
+    files[isdisk ? name + ".adf" : name + suffix + ".bin"].assign(piece.begin(), piece.end());
+}
+
+Files inchunks(std::span<const uint8_t> buffer, const BurnOrder& order, const std::string& name,
+               size_t chip) {
+    if (chip == 0) chip = buffer.size();
+    const bool isnumbered = buffer.size() / chip >= 2;
     Files files;
-    Pair pair = reopen(files, order, name, suffix);
-    size_t counted = 0;
-    for (size_t place = 0; place < buffer.size(); place += 4) {
-        if (chip != 0 && counted == chip) {
-            counted = 0;
-            if (!suffix.empty()) suffix[1] = static_cast<char>(suffix[1] + 1);
-            pair = reopen(files, order, name, suffix);
-        }
-        for (size_t i = place; i < place + 4 && i < buffer.size(); ++i)
-            (i < place + 2 ? pair.high : pair.low)->push_back(buffer[i]);
-        counted += 4;
+    char number = '0';
+    for (; !buffer.empty(); ++number) {
+        const size_t size = std::min(chip, buffer.size());
+        write(files, order, name, isnumbered ? std::string(".") + number : "", buffer.first(size));
+        buffer = buffer.subspan(size);
     }
     return files;
 }

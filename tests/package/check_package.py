@@ -80,24 +80,31 @@ class Package(unittest.TestCase):
     def test_with_rlwrap_a_line_comes_back(self):
         terminal, program = pty.openpty()
         termios.tcsetwinsize(program, (24, 80))
-        with subprocess.Popen(
+        process = subprocess.Popen(
             ["rlwrap", self.usr / "bin" / "vantorel"],
             stdin=program, stdout=program, stderr=program, start_new_session=True, cwd=self.folder,
             env=dict(os.environ, TERM="xterm", HOME=str(self.folder)),
-        ) as process:
-            os.close(program)
-            for typed in (b"echo once\n", b"\x1b[A\n"):  # the arrow upwards
-                os.write(terminal, typed)
-                self.read_until(terminal, b"\nonce ")
-            os.write(terminal, b"exit\n")
-            self.assertEqual(process.wait(30), 0)
+        )
+        self.addCleanup(process.kill)
+        os.close(program)
+        for typed in (b"echo once\n", b"\x1b[A\n"):  # the arrow upwards
+            os.write(terminal, typed)
+            self.assertIn(b"once \r", self.read_until(terminal, b"once \r"))  # what is typed has no blank behind it
+        os.write(terminal, b"exit\n")
+        self.read_until(terminal, None)
+        self.assertEqual(process.wait(30), 0)
         os.close(terminal)
 
     def read_until(self, terminal, text):
+        """What the terminal shows until this text has come, or until its other end is closed."""
         printed = b""
-        while text not in printed:
+        while text is None or text not in printed:
             self.assertTrue(select.select([terminal], [], [], 30)[0], printed)
-            printed += os.read(terminal, 4096)
+            try:
+                printed += os.read(terminal, 4096)
+            except OSError:
+                break
+        return printed
 
     def test_the_program_finds_the_library_in_its_folder(self):
         data = self.usr / "share" / "vantorel"
