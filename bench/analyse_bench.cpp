@@ -79,7 +79,7 @@ void analyserom_against_cksum(benchmark::State& state) {
     state.counters["components"] = static_cast<double>(findslot(0)->iComponents());
 }
 
-BENCHMARK(analyserom_against_cksum)->UseManualTime()->Iterations(15)->Unit(benchmark::kMillisecond);
+BENCHMARK(analyserom_against_cksum)->UseManualTime()->Iterations(rounds(15))->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace vantorel::bench

@@ -93,7 +93,7 @@ void deep_against_plain(benchmark::State& state, void (*make)()) {
 }
 
 void fewrounds(benchmark::internal::Benchmark* bench) {
-    bench->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+    bench->UseManualTime()->Iterations(rounds(3))->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK_CAPTURE(deep_against_plain, nothing_shared, nothingshared)->Apply(fewrounds);
@@ -152,7 +152,7 @@ void copies_against_memcmp(benchmark::State& state, VerifiedRelocs verified) {
 }
 
 void manyrounds(benchmark::internal::Benchmark* bench) {
-    bench->UseManualTime()->Iterations(101)->Unit(benchmark::kMillisecond);
+    bench->UseManualTime()->Iterations(rounds(101))->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK_CAPTURE(copies_against_memcmp, tell, VerifiedRelocs::Tell)->Apply(manyrounds);

@@ -61,7 +61,7 @@ void audit_against_cat(benchmark::State& state) {
     freeauditfiles();
 }
 
-BENCHMARK(audit_against_cat)->UseManualTime()->Iterations(21)->Unit(benchmark::kMillisecond);
+BENCHMARK(audit_against_cat)->UseManualTime()->Iterations(rounds(21))->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace vantorel::bench

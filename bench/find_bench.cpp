@@ -96,7 +96,7 @@ void find_against_memmem(benchmark::State& state, MakeSearch make) {
 void alllengths(benchmark::internal::Benchmark* bench) {
     for (const int64_t length : {2, 4, 8, 32})
         bench->Arg(length);
-    bench->UseManualTime()->Iterations(kRounds)->Unit(benchmark::kMicrosecond);
+    bench->UseManualTime()->Iterations(rounds(kRounds))->Unit(benchmark::kMicrosecond);
 }
 
 BENCHMARK_CAPTURE(find_against_memmem, random, inrandom)->Apply(alllengths);

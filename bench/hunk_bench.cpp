@@ -113,13 +113,16 @@ void write_against_relocating(benchmark::State& state) {
 
 BENCHMARK_CAPTURE(read_against_relocating, ascending, ascending)
     ->UseManualTime()
-    ->Iterations(kRounds)
+    ->Iterations(rounds(kRounds))
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(read_against_relocating, shuffled, shuffled)
     ->UseManualTime()
-    ->Iterations(kRounds)
+    ->Iterations(rounds(kRounds))
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(write_against_relocating)->UseManualTime()->Iterations(kRounds)->Unit(benchmark::kMicrosecond);
+BENCHMARK(write_against_relocating)
+    ->UseManualTime()
+    ->Iterations(rounds(kRounds))
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace vantorel::bench

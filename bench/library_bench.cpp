@@ -89,9 +89,9 @@ void findhashfile_in_vain(benchmark::State& state) {
     freehashes();
 }
 
-BENCHMARK(loadhashes_against_find)->UseManualTime()->Iterations(31)->Unit(benchmark::kMillisecond);
-BENCHMARK(findhashfile_against_stat)->UseManualTime()->Iterations(101)->Unit(benchmark::kMicrosecond);
-BENCHMARK(findhashfile_in_vain)->UseManualTime()->Iterations(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(loadhashes_against_find)->UseManualTime()->Iterations(rounds(31))->Unit(benchmark::kMillisecond);
+BENCHMARK(findhashfile_against_stat)->UseManualTime()->Iterations(rounds(101))->Unit(benchmark::kMicrosecond);
+BENCHMARK(findhashfile_in_vain)->UseManualTime()->Iterations(rounds(10000))->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace vantorel::bench

@@ -150,9 +150,9 @@ void findopcode_against_objdump(benchmark::State& state) {
     pair.report(state, kMilli);
 }
 
-BENCHMARK(decode_against_capstone)->UseManualTime()->Iterations(101)->Unit(benchmark::kMillisecond);
-BENCHMARK(decode_against_objdump)->UseManualTime()->Iterations(21)->Unit(benchmark::kMillisecond);
-BENCHMARK(findopcode_against_objdump)->UseManualTime()->Iterations(21)->Unit(benchmark::kMillisecond);
+BENCHMARK(decode_against_capstone)->UseManualTime()->Iterations(rounds(101))->Unit(benchmark::kMillisecond);
+BENCHMARK(decode_against_objdump)->UseManualTime()->Iterations(rounds(21))->Unit(benchmark::kMillisecond);
+BENCHMARK(findopcode_against_objdump)->UseManualTime()->Iterations(rounds(21))->Unit(benchmark::kMillisecond);
 
 constexpr int32_t kTag = 26;
 
@@ -216,7 +216,7 @@ void walk_against_objdump(benchmark::State& state, MakeImage make) {
 void allsizes(benchmark::internal::Benchmark* bench) {
     for (const int64_t kib : {16, 32, 64, 128})
         bench->Arg(kib);
-    bench->UseManualTime()->Iterations(21)->Unit(benchmark::kMillisecond);
+    bench->UseManualTime()->Iterations(rounds(21))->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK_CAPTURE(walk_against_objdump, functions, functions)->Apply(allsizes);

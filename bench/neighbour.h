@@ -61,6 +61,13 @@ private:
     std::vector<double> theirs;
 };
 
+/// How often a benchmark runs: `wanted` times, or no more often than VANTOREL_ROUNDS says in the environment,
+/// for a trial.
+[[nodiscard]] inline int64_t rounds(int64_t wanted) {
+    const char* most = std::getenv("VANTOREL_ROUNDS");
+    return most == nullptr ? wanted : std::clamp<int64_t>(std::atoll(most), 1, wanted);
+}
+
 inline constexpr double kMilli = 1e-3;
 inline constexpr double kMicro = 1e-6;
 

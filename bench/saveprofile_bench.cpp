@@ -159,7 +159,7 @@ void session_against_cp(benchmark::State& state, const Layout& layout) {
 }
 
 void someruns(benchmark::internal::Benchmark* bench) {
-    bench->UseManualTime()->Iterations(kRounds)->Unit(benchmark::kMicrosecond);
+    bench->UseManualTime()->Iterations(rounds(kRounds))->Unit(benchmark::kMicrosecond);
 }
 
 #define VANTOREL_LAYOUT(layout)                                                                              \

@@ -85,7 +85,7 @@ void adfsavezip_against_writing(benchmark::State& state, const Contents& content
 }
 
 void someruns(benchmark::internal::Benchmark* bench) {
-    bench->UseManualTime()->Iterations(kRounds)->Unit(benchmark::kMicrosecond);
+    bench->UseManualTime()->Iterations(rounds(kRounds))->Unit(benchmark::kMicrosecond);
 }
 
 #define VANTOREL_CONTENTS(contents)                                                                          \

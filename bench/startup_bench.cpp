@@ -20,7 +20,7 @@ void exit_against_true(benchmark::State& state) {
     state.counters["difference"] = (pair.ours() - pair.neighbour()) / kMilli;
 }
 
-BENCHMARK(exit_against_true)->UseManualTime()->Iterations(501)->Unit(benchmark::kMillisecond);
+BENCHMARK(exit_against_true)->UseManualTime()->Iterations(rounds(501))->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace vantorel::bench

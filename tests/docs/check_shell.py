@@ -32,7 +32,7 @@ def commands(block, running):
 
 def problem(script):
     """Runs a script in the clone. Returns the end of what it printed when it fails."""
-    environment = dict(os.environ, LC_ALL="C", BENCHMARK_MIN_TIME="0.001")
+    environment = dict(os.environ, LC_ALL="C", BENCHMARK_MIN_TIME="0.001", VANTOREL_ROUNDS="1")
     with subprocess.Popen(["sh", "-c", PRELUDE + script], cwd=ROOT, env=environment, stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True) as process:
         try:
