@@ -57,7 +57,7 @@ if [ $# -gt 0 ]; then
     cat <<END
 
 To go on, start the prompt here with: out/demo/vantorel
-"help" lists commands, "exit" ends it; "rlwrap out/demo/vantorel" adds history.
+docs/commands.md lists the commands, "exit" ends it; "rlwrap out/demo/vantorel" adds history.
 END
     exit 0
 fi
@@ -90,5 +90,5 @@ That was examples/tour.txt. It has made, in out/demo/tour:
     modules.zip                    the files of the floppy modules.adf
     parts/, "Vantorel Hashes"/     its components as files, and what they are known by
 To go on, start the prompt: cd out/demo/tour && ../vantorel
-Try "loadrom tour.rom" and "rom"; "help" lists commands, "exit" ends it. ./demo.sh FILE... shows ROMs of your own.
+Try "loadrom tour.rom" and "rom"; docs/commands.md lists all commands, "exit" ends it. ./demo.sh FILE... shows ROMs of your own.
 END

@@ -13,7 +13,7 @@ begin() {
 trap '[ $? -eq 0 ] || [ "$step" = packages ] || echo "test.sh: failed at: $step" >&2' EXIT
 
 tools/need.sh cmake ninja-build g++ clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev python3 unadf \
-    binutils-m68k-linux-gnu unzip dpkg-dev rlwrap libbenchmark-dev zlib1g-dev libcapstone-dev
+    binutils-m68k-linux-gnu unzip dpkg-dev file rlwrap libbenchmark-dev zlib1g-dev libcapstone-dev
 
 begin "includes point downwards only"
 tools/check-includes.sh

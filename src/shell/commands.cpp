@@ -18,7 +18,7 @@ namespace {
 
 constexpr auto cCommands = std::to_array<Command>({
     {"help", "", command::help},
-    {"editcomponent", "COMPONENT start=N | end=N | addrelocs | addreloc N | deletereloc N",
+    {"editcomponent", "COMPONENT start=N | end=N | addrelocs | addreloc N | deletereloc NUMBER",
      command::editcomponent},
     {"rombase", "x20 | xF8 | xFC | N", command::rombase},
     {"romname", "NAME", command::romname},
@@ -53,7 +53,7 @@ constexpr auto cCommands = std::to_array<Command>({
     {"rom", "[ROM]", command::rom},
     {"loglevel", "[LEVEL]", command::loglevel},
     {"idiotmode", "", command::idiotmode},
-    {"alias", "NAME [VALUE | add N | subtract N | mid START LENGTH | romdata START COUNT]", command::alias},
+    {"alias", "NAME [VALUE | add N | subtract N | mid FROM LENGTH | romdata START COUNT]", command::alias},
     {"findopcode", "START END TEXT", command::findopcode},
     {"find", "START END BYTES", command::find},
     {"patch", "WHERE BYTES", command::patch},

@@ -69,11 +69,11 @@ def printed(data):
 
 
 class Place:
-    """A temporary copy of what a clone with a release build holds, and the folder that the shell is in."""
+    """A temporary copy of what a clone holds when the demo has run, and the folder that the shell is in."""
 
     def __init__(self, folder, program, fixture):
         self.root = pathlib.Path(folder).resolve()
-        self.program = self.root / "out" / "release" / "vantorel"
+        self.program = self.root / "out" / "demo" / "vantorel"
         tests = self.program.parent / "tests"
         tests.mkdir(parents=True)
         for name in ("examples", "Vantorel Hashes"):

@@ -69,9 +69,11 @@ class Package(unittest.TestCase):
     def test_the_commands_of_the_manual_work(self):
         fixture = self.build / "tests" / "vantorel-fixture"
         subprocess.run([fixture, "standard", self.folder / "dump.bin"], check=True)
-        example = re.search(r"^\.nf\n(.*?)^\.fi$", self.manual(), re.M | re.S)[1].replace("\\\\", "\\")
-        self.assertIn("loadrom", example)
-        self.assertIn("exec 40.10 (15.7.93)", self.shell(example))
+        shown = re.findall(r"^\.nf\n(.*?)^\.fi$", self.manual(), re.M | re.S)
+        printed = [self.shell(command.replace("\\\\", "\\").replace("\\-", "-")) for command in shown]
+        self.assertEqual(len(shown), 2)
+        self.assertTrue((self.folder / "Vantorel Hashes").is_symlink())
+        self.assertIn("exec 40.10 (15.7.93)", printed[1])
         (self.folder / "script").write_text("echo from a script\n")
         self.assertIn("from a script", self.shell("vantorel <script"))
         self.assertIn("from a pipe", self.shell('echo "echo from a pipe" | vantorel'))
@@ -123,7 +125,7 @@ class Package(unittest.TestCase):
 if __name__ == "__main__":
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", type=pathlib.Path, required=True, help="the folder of the build")
-    for tool in ("cpack", "dpkg-deb", "dpkg-shlibdeps"):
+    for tool in ("cpack", "dpkg-deb", "dpkg-shlibdeps", "file"):
         if shutil.which(tool) is None:
             print(f"skipped: {tool} is missing")
             sys.exit(77)
