@@ -68,7 +68,7 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-void exercise(const Bytes& image) {
+void exercisedisk(const Bytes& image) {
     loadadfimage(image);
     require(psFiles.size() < size_t{adf::iBlocks});
     size_t total = 0;
@@ -82,11 +82,7 @@ void exercise(const Bytes& image) {
 }
 
 } // namespace
+
+void exercise(View bytes) { exercisedisk(imageof(Input(bytes))); }
+
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise(vantorel::test::imageof(vantorel::test::Input({data, size})));
-    return 0;
-}

@@ -158,6 +158,8 @@ int32_t leastof(int32_t byte) {
     return byte == 255 ? std::numeric_limits<int32_t>::max() : byte;
 }
 
+} // namespace
+
 void exercise(View bytes) {
     if (bytes.size() < 2) return;
     makeroms(bytes);
@@ -171,12 +173,4 @@ void exercise(View bytes) {
     freshstate();
 }
 
-} // namespace
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise({data, size});
-    return 0;
-}

@@ -309,6 +309,8 @@ void dofreetext(Input& input) {
     run(line);
 }
 
+} // namespace
+
 void exercise(View data) {
     static const BuildGround ground;
     ground.restore();
@@ -333,12 +335,4 @@ void exercise(View data) {
     freshstate();
 }
 
-} // namespace
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise({data, size});
-    return 0;
-}

@@ -64,6 +64,8 @@ void read(View buffer, int32_t offset, size_t length) {
     require(result == 1 && component.pcType == "untouched" && !component.pcExtract);
 }
 
+} // namespace
+
 void exercise(View data) {
     Input input(data);
     const int32_t mode = input.byte();
@@ -77,12 +79,4 @@ void exercise(View data) {
     read(buffer, offset, (mode & kLength) != 0 ? wanted % (buffer.size() + 1) : buffer.size());
 }
 
-} // namespace
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise({data, size});
-    return 0;
-}

@@ -80,11 +80,7 @@ void check(View input) {
 }
 
 } // namespace
+
+void exercise(View bytes) { check(bytes); }
+
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::check({data, size});
-    return 0;
-}

@@ -36,8 +36,11 @@ private:
     View left;
 };
 
-/// The fuzzer speaks on standard error; what the program says would only slow it down. For
-/// LLVMFuzzerInitialize.
-inline int silence() { return std::freopen("/dev/null", "w", stdout) != nullptr ? 0 : 1; }
+/// The fuzzer speaks on standard error; what the program says would only slow it down. False when it cannot
+/// be silenced.
+inline bool silence() { return std::freopen("/dev/null", "w", stdout) != nullptr; }
+
+/// Each target has this function: does with an input what is to be tried, and aborts on what may not be.
+void exercise(View bytes);
 
 } // namespace vantorel::test

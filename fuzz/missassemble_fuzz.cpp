@@ -132,6 +132,8 @@ void walk(const TempDir& folder) {
     require(size >= psKickstartRoms[0].psComponents[1].iSize && code + data >= size);
 }
 
+} // namespace
+
 void exercise(View bytes) {
     static const Ground ground;
     Input input(bytes);
@@ -151,12 +153,4 @@ void exercise(View bytes) {
     missassembleComponent(0, 1);
 }
 
-} // namespace
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise({data, size});
-    return 0;
-}

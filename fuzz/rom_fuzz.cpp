@@ -127,6 +127,8 @@ void load(int32_t road, View data) {
     }
 }
 
+} // namespace
+
 void exercise(View data) {
     Input input(data);
     freshstate();
@@ -151,12 +153,4 @@ void exercise(View data) {
     roms(0);
 }
 
-} // namespace
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise({data, size});
-    return 0;
-}

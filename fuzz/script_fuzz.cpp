@@ -58,7 +58,7 @@ bool issafe(std::string_view line) {
 /// Lines that would make ROMs of gigabytes show nothing but how slow memory is.
 bool istoolarge(std::string_view line) { return line.find("newrom") != line.npos && line.size() > 20; }
 
-void exercise(std::string_view input) {
+void runscript(std::string_view input) {
     static const Ground ground;
     logfile("/dev/null"); // a line may have sent the output to a file
     freshstate();
@@ -74,11 +74,7 @@ void exercise(std::string_view input) {
 }
 
 } // namespace
+
+void exercise(View bytes) { runscript({reinterpret_cast<const char*>(bytes.data()), bytes.size()}); }
+
 } // namespace vantorel::test
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    vantorel::test::exercise({reinterpret_cast<const char*>(data), size});
-    return 0;
-}

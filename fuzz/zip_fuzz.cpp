@@ -109,14 +109,11 @@ void compare(View bytes) {
 }
 
 } // namespace
-} // namespace vantorel::test
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) { return vantorel::test::silence(); }
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    using namespace vantorel::test;
-    vantorel::loadadfimage(imageof(Input({data, size})));
+void exercise(View bytes) {
+    loadadfimage(imageof(Input(bytes)));
     cuttable();
     compare(archive());
-    return 0;
 }
+
+} // namespace vantorel::test

@@ -237,7 +237,7 @@ TEST_F(WalkTest, RefusesATableWithoutInstructions) {
 TEST_F(WalkTest, LoadsItsTableFromTheHashLibrary) {
     makecomponent(cCode);
     sMnemonic = {};
-    static_cast<void>(hashes.write("missassemble.ini", std::string(cWalkTable)));
+    static_cast<void>(hashes.write("missassemble.ini", cWalkTable));
     hashfile("[Missassembler]\nENTRYPOINT=0\n");
     EXPECT_TRUE(has(walked(), cLines));
 }

@@ -16,8 +16,18 @@
 
 namespace vantorel::test {
 
+/// A section of conditions that begins so.
+inline std::string conditions(const std::string& firsttwo) {
+    std::string section = firsttwo;
+    int32_t number = 2;
+    for (const char* name :
+         {"HI", "LS", "CC", "CS", "NE", "EQ", "VC", "VS", "PL", "MI", "GE", "LT", "GT", "LE"})
+        section += std::to_string(number++) + "=" + name + "\n";
+    return section;
+}
+
 /// Every class of instruction that a walk tells apart. Some are no instructions of any processor.
-inline constexpr std::string_view cWalkTable = R"([mnemonics]
+inline const std::string cWalkTable = R"([mnemonics]
 0100111001110001=NOP
 0100111001110000=RTN
 0100111001110011=RTE
@@ -37,41 +47,8 @@ inline constexpr std::string_view cWalkTable = R"([mnemonics]
 0111???0????????=MOVEQ #$%88,D%43
 1111111111110000=rts
 1111111111110001=bra %%4
-[b44]
-0=RA
-1=SR
-2=HI
-3=LS
-4=CC
-5=CS
-6=NE
-7=EQ
-8=VC
-9=VS
-10=PL
-11=MI
-12=GE
-13=LT
-14=GT
-15=LE
-[c44]
-0=T
-1=F
-2=HI
-3=LS
-4=CC
-5=CS
-6=NE
-7=EQ
-8=VC
-9=VS
-10=PL
-11=MI
-12=GE
-13=LT
-14=GT
-15=LE
-)";
+)" + conditions("[b44]\n0=RA\n1=SR\n") +
+                                      conditions("[c44]\n0=T\n1=F\n");
 
 /// The words one behind the other.
 inline Bytes words(std::initializer_list<uint32_t> values) {

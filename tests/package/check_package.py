@@ -80,7 +80,10 @@ class Package(unittest.TestCase):
 
     @unittest.skipIf(shutil.which("rlwrap") is None, "rlwrap is missing")
     def test_with_rlwrap_a_line_comes_back(self):
-        terminal, program = pty.openpty()
+        try:
+            terminal, program = pty.openpty()
+        except OSError as error:  # a bare chroot may have none
+            self.skipTest(str(error))
         termios.tcsetwinsize(program, (24, 80))
         process = subprocess.Popen(
             ["rlwrap", self.usr / "bin" / "vantorel"],
