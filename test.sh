@@ -43,13 +43,15 @@ run() {
     cmake --build --preset "$1"
     begin "$1: test"
     log=out/$1/test.log
-    ctest --preset "$1" --verbose --parallel "$(nproc)" >"$log" 2>&1 || true
+    good=true
+    ctest --preset "$1" --verbose --parallel "$(nproc)" >"$log" 2>&1 || good=false
     sed -n '/tests passed/,$p' "$log"
     # shellcheck disable=SC2046  # three numbers
     set -- $(tally "$log")
     passed=$((passed + $1))
     failed=$((failed + $2))
     skipped=$((skipped + $3))
+    $good || [ "$failed" -gt 0 ] || failed=1 # ctest itself
     [ "$failed" -eq 0 ] || cat "$log"
 }
 run release
