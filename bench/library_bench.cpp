@@ -15,7 +15,7 @@ constexpr uint32_t kFolders = 1000;
 constexpr uint32_t kFiles = 100000;
 
 /// The names of the files: CRCs that spread over all buckets, none twice.
-std::string filename(uint32_t number) { return formatted("0x%08x", number * 2654435761U); }
+std::string filename(uint32_t number) { return hexlong(number * 2654435761U); }
 
 std::string filepath(const test::TempDir& directory, uint32_t number) {
     return directory.path() + formatted("/set%03u/", number % kFolders) + filename(number);

@@ -186,8 +186,7 @@ void dofind(Input& input) {
     run(formatted("find 0x%x 0x%x ", start, end) + hextext(pattern));
     const auto name = std::ranges::find(pcAliasname, "FIND");
     const std::string found = pcAliasvalue[static_cast<size_t>(name - pcAliasname.begin())];
-    expect(found == (place ? formatted("0x%08x", static_cast<uint32_t>(*place)) : "nothing"),
-           "the first place is found");
+    expect(found == (place ? hexlong(static_cast<uint32_t>(*place)) : "nothing"), "the first place is found");
 }
 
 /// The commands that save components or their hash files, or name them.

@@ -75,8 +75,8 @@ inline bool isrelocatable(const KickstartRom& slot) {
 /// A ROM that is moved away and back is as before.
 inline void checkmoving(int32_t rom) {
     KickstartRom& slot = *findslot(rom);
-    const std::string base = formatted("0x%08x", slot.iROMBase);
-    const std::string elsewhere = formatted("0x%08x", slot.iROMBase + 0x00345678);
+    const std::string base = hexlong(slot.iROMBase);
+    const std::string elsewhere = hexlong(slot.iROMBase + 0x00345678);
     const Bytes before = slot.pcROM;
     const bool isconsistent = isrelocatable(slot);
     if (rombase(rom, base) != 0) {

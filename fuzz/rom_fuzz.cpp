@@ -63,8 +63,7 @@ Ground& ground() {
 /// The hash file of the input, gone again with the object.
 class Described {
 public:
-    Described(View data, View text)
-        : path(ground().folder.file("library/" + formatted("0x%08x", crc32buf(data)))) {
+    Described(View data, View text) : path(ground().folder.file("library/" + hexlong(crc32buf(data)))) {
         static_cast<void>(writefile(path, text));
     }
     ~Described() { std::remove(path.c_str()); }

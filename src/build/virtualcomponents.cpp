@@ -111,7 +111,7 @@ int checksum(int32_t rom) {
         return 1;
     }
     if (!requirefit(*slot, number)) return 1;
-    if (putlong(slot->pcROM, findrecord(rom, number)->iStart, cChecksum(rom))) return 0;
+    if (putlong(slot->pcROM, slot->component(number).iStart, cChecksum(rom))) return 0;
     message(kResult, "ERROR: Component %d is too small for a checksum\n", number);
     return 1;
 }
